@@ -1,0 +1,31 @@
+# Compiler settings shared by every target, and the helper that makes one of the project's
+# shared libraries with its own export macro.
+
+add_compile_options(-Wall -Wextra)
+
+if(LIBDRIVE_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+if(WIN32)
+  # One self-contained set of DLLs: the C++ runtime is linked into each module, so the programs
+  # run under Wine or on a bare Windows without the MinGW runtime DLLs beside them.
+  add_link_options(-static-libgcc -static-libstdc++ -Wl,-Bstatic,--whole-archive -lwinpthread -Wl,--no-whole-archive,-Bdynamic)
+  add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601)
+endif()
+
+# libdrive_shared_library(<target> <MACRO> <include-dir> sources...)
+# Builds a shared library whose symbols are hidden unless marked <MACRO>_API, and generates
+# <include-dir>/Export.h defining that macro.
+function(libdrive_shared_library target macro incdir)
+  add_library(${target} SHARED ${ARGN})
+  set(LIB ${macro})
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/ExportMacro.h.in
+                 ${CMAKE_CURRENT_BINARY_DIR}/generated/${incdir}/Export.h @ONLY)
+  target_include_directories(${target} PUBLIC
+    ${CMAKE_CURRENT_SOURCE_DIR}/include ${CMAKE_CURRENT_BINARY_DIR}/generated)
+  target_compile_definitions(${target} PRIVATE ${macro}_BUILDING)
+  set_target_properties(${target} PROPERTIES
+    CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON PREFIX "lib")
+endfunction()

@@ -1,0 +1,56 @@
+// The one clock of the process. Every sleep, timed wait and reading of the time in the platform
+// layer (and so in the library) goes through the installed Clock. Production uses the real clock;
+// tests install a VirtualClock in which sleeping and waiting advance time at once.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "os/Export.h"
+
+namespace os {
+
+// A wall-clock instant split the way the library reads it.
+struct TimeOfDay {
+    uint64_t seconds = 0;       // seconds since 1970-01-01 00:00:00 UTC
+    uint32_t milliseconds = 0;  // 0..999
+};
+
+// Local calendar time, as GetLocalTime reports it.
+struct LocalTime {
+    uint16_t year = 0, month = 0, dayOfWeek = 0, day = 0;
+    uint16_t hour = 0, minute = 0, second = 0, milliseconds = 0;
+};
+
+class Waitable;
+
+class OS_API Clock {
+public:
+    virtual ~Clock();
+    // Milliseconds since 1970-01-01 UTC.
+    virtual uint64_t nowMilliseconds() = 0;
+    // Milliseconds since an arbitrary start, for tick counts (wraps at 2^32 in GetTickCount()).
+    virtual uint64_t monotonicMilliseconds() = 0;
+    virtual void sleep(uint32_t milliseconds) = 0;
+    // Waits until `object` is signalled or `timeoutMs` passes on this clock.
+    // Returns true when signalled, false on timeout.
+    virtual bool wait(Waitable& object, uint32_t timeoutMs) = 0;
+    // Worker threads tell the clock when they start and end so a virtual clock knows who may
+    // still advance time.
+    virtual void threadStarted() {}
+    virtual void threadFinished() {}
+};
+
+// The installed clock; the real clock until install() is called.
+OS_API Clock& clock();
+// Installs `c` (nullptr restores the real clock). REQUIRES: no sleep or wait is in progress.
+OS_API void installClock(Clock* c);
+
+// Convenience over the installed clock.
+OS_API TimeOfDay timeOfDay();
+OS_API uint64_t nowMilliseconds();
+OS_API uint32_t tickCount();  // GetTickCount semantics: milliseconds, wraps at 2^32
+OS_API LocalTime localTime();
+OS_API void sleepMilliseconds(uint32_t milliseconds);
+
+}  // namespace os
