@@ -2,8 +2,9 @@
 // typed properties ("DriverName", "DriveLetter", "SCSIPath", filter lists, ...).
 #pragma once
 
+#include <cstdint>
 #include <map>
-#include <memory>
+#include <vector>
 
 #include "kiv/Array.h"
 #include "quel5/Export.h"
@@ -47,6 +48,7 @@ private:
 // Helpers the framework publishes beside its types.
 class QUEL5_API QuelVornInterface {
 public:
-    // The text items of a string-array value; a plain text value gives one item, others none.
+    // The text items of a string-array value in order; a non-empty plain text value gives one
+    // item; any other value (an empty text included) gives none.
     static kiv::Array<kiv::String> makeStringArrayFromValue(const quel5::Value& value);
 };

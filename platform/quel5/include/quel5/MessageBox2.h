@@ -32,11 +32,16 @@ public:
     int look() const { return look_; }
     bool modal() const { return modal_; }
 
-    // Shows the box through the host. False when no host is installed or it cannot show it.
+    // Shows the box through the host, which answers before display() returns. False when no
+    // host is installed or it cannot show the box; the answer then stays MB2_NONE.
     bool display();
-    // Waits for the answer; timeoutSeconds 0 waits as long as the host needs.
+    // Waits for the answer; timeoutSeconds 0 waits as long as the host needs. The answer already
+    // came with display(), so this returns at once.
     void wait(unsigned int timeoutSeconds);
+    // The answer of the last successful display(), MB2_CANCEL after cancel(), else MB2_NONE.
     int getReturn() const { return answer_; }
+    // Withdraws a displayed box: tells the host and sets the answer to MB2_CANCEL. Does nothing
+    // when the box is not displayed.
     void cancel();
 
 private:

@@ -25,9 +25,12 @@ public:
     const Value& value() const { return value_; }
     kiv::String toString() const;  // the value's text; "" when not set
 
-    // Host side. setFromText parses `text` by the parameter's type ("true"/"false"/"1"/"0" for
-    // BOOLEAN, decimal for UINT32, a number for PERCENT) and checks the range text; on failure
-    // it returns false with a reason in *error and leaves the parameter unchanged.
+    // Host side. setFromText parses `text` by the parameter's type ("true"/"false"/"1"/"0" in
+    // any case for BOOLEAN, decimal digits for UINT32, a decimal number 0..100 with an optional
+    // '%' for PERCENT, any text for STRING) and checks numbers against the range text
+    // ("[1,100]" inclusive, '(' ')' exclusive, an empty bound unlimited). On failure it returns
+    // false with "<name>: <reason>" in *error and leaves the parameter unchanged. On success,
+    // and after setValue, the source is ParameterSource::HOST().
     bool setFromText(const kiv::String& text, kiv::String* error);
     void setValue(const Value& value);
     void clear();

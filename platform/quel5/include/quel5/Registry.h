@@ -11,6 +11,8 @@
 
 namespace quel5 {
 
+// Adding, finding and setting are safe from any thread. The lists returned by parameters(),
+// events(), ... are meant for reading once loading is done (nothing is added meanwhile).
 class QUEL5_API Registry {
 public:
     static Registry& instance();
@@ -32,8 +34,9 @@ public:
     Event* findEvent(const QuelString& key) const;
     LocalizedString* findLocalizedString(const QuelString& key) const;
 
-    // Host side: set or clear a parameter by key. False when no parameter has that key or the
-    // text does not fit its type (reason in *error).
+    // Host side: set or clear the first parameter of that key. False when no parameter has that
+    // key or the text does not fit its type and range (a reason naming the parameter in *error;
+    // the parameter keeps its value). Accepted texts: Parameter::setFromText.
     bool setParameter(const QuelString& name, const kiv::String& text, kiv::String* error);
     bool clearParameter(const QuelString& name);
     void clearAllParameters();

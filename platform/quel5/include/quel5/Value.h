@@ -34,9 +34,21 @@ public:
 
     DataType::Kind kind() const { return kind_; }
 
-    // Readers. A reader for another kind converts where it makes sense (a number's text, a
-    // numeric text's number, a boolean as 0/1) and otherwise answers 0, false or "".
-    uint32_t valueUint32() const;   // truncated to the low 32 bits
+    // Kinds: int, long, long long give INT64; unsigned types of 32 bits give UINT32, wider ones
+    // UINT64 (so `unsigned long` is UINT32 on Windows and UINT64 on Linux); texts give STRING.
+    //
+    // Readers. A reader for another kind converts where it makes sense and otherwise answers 0,
+    // false or "":
+    //  - valueUint64: integers as stored (a negative INT64 in two's complement), a boolean as 0/1,
+    //    a percent truncated toward zero (negative gives 0), a text parsed as a decimal number
+    //    (blanks around it allowed; "-1" gives 2^64 - 1, "12.7" gives 12, "abc" gives 0).
+    //  - valueUint32: the low 32 bits of valueUint64 (a UINT64 of 2^32 + 5 gives 5).
+    //  - valuePercent: the number as a double (INT64 signed), a text parsed as a decimal number.
+    //  - valueBool: non-zero numbers are true; a text is true when it is "true" in any case or a
+    //    non-zero number.
+    //  - valueString: the same text as toString().
+    // Array readers answer only for their own kind; other kinds have size 0.
+    uint32_t valueUint32() const;
     uint64_t valueUint64() const;
     double valuePercent() const;
     bool valueBool() const;
@@ -47,9 +59,12 @@ public:
     uint32_t stringArraySize() const;
     QuelString getStringInArray(uint32_t index) const;  // "" past the end
 
-    // Human-readable text: numbers in decimal, booleans "true"/"false", arrays comma-separated.
+    // Human-readable text: integers in decimal (INT64 signed), percents in their shortest
+    // decimal form ("50", "12.5"), booleans "true"/"false", arrays comma-separated, NONE "".
     kiv::String toString() const;
 
+    // Integers of any of the three integer kinds are equal when they are the same number;
+    // other values are equal when kind and content are equal.
     bool operator==(const Value& other) const;
     bool operator!=(const Value& other) const { return !(*this == other); }
 

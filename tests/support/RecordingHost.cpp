@@ -1,0 +1,224 @@
+#include "support/RecordingHost.h"
+
+#include <utility>
+
+#include "os/Clock.h"
+#include "quel5/MessageBox2.h"
+
+namespace testsupport {
+
+std::string utf8(const QuelString& text) { return text.toUtf8(); }
+
+quel5::Value RecordedVariables::get(const QuelString& name) const {
+    for (const auto& [variableName, value] : variables) {
+        if (variableName == name) return value;
+    }
+    return quel5::Value();
+}
+
+bool RecordedVariables::has(const QuelString& name) const {
+    for (const auto& entry : variables) {
+        if (entry.first == name) return true;
+    }
+    return false;
+}
+
+std::vector<std::string> RecordedVariables::names() const {
+    std::vector<std::string> found;
+    for (const auto& entry : variables) found.push_back(utf8(entry.first));
+    return found;
+}
+
+RecordingHost::RecordingHost() : defaultAnswer_(quel5::MB2_OK) {}
+
+RecordingHost::~RecordingHost() = default;
+
+std::vector<Report> RecordingHost::reports() const {
+    std::lock_guard<std::recursive_mutex> lock(mutex_);
+    return reports_;
+}
+
+std::vector<EventReport> RecordingHost::eventsWithKey(const std::string& key) const {
+    std::vector<EventReport> found;
+    for (EventReport& event : events()) {
+        if (event.key == key) found.push_back(std::move(event));
+    }
+    return found;
+}
+
+std::vector<std::string> RecordingHost::eventKeys() const {
+    std::vector<std::string> keys;
+    for (const EventReport& event : events()) keys.push_back(event.key);
+    return keys;
+}
+
+std::vector<unsigned int> RecordingHost::percents() const {
+    std::vector<unsigned int> values;
+    for (const PercentReport& report : all<PercentReport>()) values.push_back(report.percent);
+    return values;
+}
+
+std::optional<unsigned int> RecordingHost::lastPercent() const {
+    const std::vector<unsigned int> values = percents();
+    if (values.empty()) return std::nullopt;
+    return values.back();
+}
+
+std::vector<unsigned int> RecordingHost::timesLeft() const {
+    std::vector<unsigned int> values;
+    for (const TimeLeftReport& report : all<TimeLeftReport>()) values.push_back(report.seconds);
+    return values;
+}
+
+std::vector<std::string> RecordingHost::libraries() const {
+    std::vector<std::string> names;
+    for (const LibraryReport& report : all<LibraryReport>()) names.push_back(report.name);
+    return names;
+}
+
+unsigned int RecordingHost::stopPolls() const {
+    std::lock_guard<std::recursive_mutex> lock(mutex_);
+    return polls_;
+}
+
+void RecordingHost::clear() {
+    std::lock_guard<std::recursive_mutex> lock(mutex_);
+    reports_.clear();
+    polls_ = 0;
+}
+
+void RecordingHost::stopAfterPolls(unsigned int polls) {
+    std::lock_guard<std::recursive_mutex> lock(mutex_);
+    stopPredicate_ = nullptr;
+    pollsBeforeStop_ = polls;
+}
+
+void RecordingHost::stopWhen(std::function<bool(const RecordingHost&)> predicate) {
+    std::lock_guard<std::recursive_mutex> lock(mutex_);
+    pollsBeforeStop_.reset();
+    stopPredicate_ = std::move(predicate);
+}
+
+void RecordingHost::neverStop() {
+    std::lock_guard<std::recursive_mutex> lock(mutex_);
+    pollsBeforeStop_.reset();
+    stopPredicate_ = nullptr;
+}
+
+void RecordingHost::queueAnswers(std::vector<int> answers) {
+    std::lock_guard<std::recursive_mutex> lock(mutex_);
+    answers_.insert(answers_.end(), answers.begin(), answers.end());
+}
+
+void RecordingHost::setDefaultAnswer(int answer) {
+    std::lock_guard<std::recursive_mutex> lock(mutex_);
+    defaultAnswer_ = answer;
+}
+
+void RecordingHost::setCanShowMessageBoxes(bool canShow) {
+    std::lock_guard<std::recursive_mutex> lock(mutex_);
+    canShowMessageBoxes_ = canShow;
+}
+
+void RecordingHost::record(Report report) {
+    std::lock_guard<std::recursive_mutex> lock(mutex_);
+    reports_.push_back(std::move(report));
+}
+
+void RecordingHost::libraryRegistered(const QuelString& name) {
+    record(LibraryReport{os::nowMilliseconds(), utf8(name)});
+}
+
+void RecordingHost::eventRaised(quel5::Severity severity, const quel5::Event& event,
+                                const QuelString& source, int line) {
+    EventReport report;
+    report.variables = event.variables();
+    report.timeMs = os::nowMilliseconds();
+    report.severity = severity;
+    report.key = utf8(event.key());
+    report.source = utf8(source);
+    report.line = line;
+    record(std::move(report));
+}
+
+void RecordingHost::progress(const quel5::LocalizedString& text, double intervalMs) {
+    ProgressReport report;
+    report.variables = text.variables();
+    report.timeMs = os::nowMilliseconds();
+    report.key = utf8(text.key());
+    report.text = utf8(localize(text.key(), text.variables()));
+    report.intervalMs = intervalMs;
+    record(std::move(report));
+}
+
+void RecordingHost::percentDone(unsigned int percent) {
+    record(PercentReport{os::nowMilliseconds(), percent});
+}
+
+void RecordingHost::resetPercentDone() { record(ResetPercentReport{os::nowMilliseconds()}); }
+
+void RecordingHost::estimatedTimeLeft(unsigned int seconds) {
+    record(TimeLeftReport{os::nowMilliseconds(), seconds});
+}
+
+bool RecordingHost::stopRequested() {
+    std::lock_guard<std::recursive_mutex> lock(mutex_);
+    ++polls_;
+    if (pollsBeforeStop_) {
+        if (*pollsBeforeStop_ == 0) return true;
+        --*pollsBeforeStop_;
+        return false;
+    }
+    return stopPredicate_ && stopPredicate_(*this);
+}
+
+bool RecordingHost::showMessageBox(const quel5::MessageBox2& box, int* answer) {
+    std::lock_guard<std::recursive_mutex> lock(mutex_);
+    MessageBoxReport report;
+    report.timeMs = os::nowMilliseconds();
+    report.message = utf8(box.message());
+    report.title = utf8(box.title());
+    report.type = box.type();
+    report.buttons = box.options().buttons;
+    report.look = box.look();
+    report.modal = box.modal();
+    report.shown = canShowMessageBoxes_;
+    if (report.shown) {
+        if (!answers_.empty()) {
+            report.answer = answers_.front();
+            answers_.pop_front();
+        } else {
+            report.answer = defaultAnswer_;
+        }
+        if (answer) *answer = report.answer;
+    }
+    record(std::move(report));
+    return canShowMessageBoxes_;
+}
+
+void RecordingHost::messageBoxCancelled(const quel5::MessageBox2& box) {
+    record(MessageBoxCancelReport{os::nowMilliseconds(), utf8(box.message())});
+}
+
+QuelString RecordingHost::localize(const QuelString& key, const quel5::Variables& variables) {
+    if (variables.empty()) return key;
+    kiv::String text = key.kivString() + kiv::String(L"{");
+    for (std::size_t i = 0; i < variables.size(); ++i) {
+        if (i > 0) text += kiv::String(L",");
+        text += variables[i].first.kivString() + kiv::String(L"=") + variables[i].second.toString();
+    }
+    text += kiv::String(L"}");
+    return QuelString(text);
+}
+
+ScopedHost::ScopedHost(quel5::Host& host) : previous_(quel5::installedHost()) {
+    quel5::Registry::instance().clearAllParameters();
+    quel5::installHost(&host);
+}
+
+ScopedHost::~ScopedHost() {
+    quel5::installHost(previous_);
+    quel5::Registry::instance().clearAllParameters();
+}
+
+}  // namespace testsupport
