@@ -16,7 +16,7 @@ public:
     CString() = default;
     CString(const char* text);  // NOLINT: nullptr gives ""
     CString(std::string bytes);  // NOLINT
-    CString(const char* data, std::size_t size);
+    CString(const char* data, std::size_t size);  // `size` bytes, zeros included
 
     const std::string& str() const { return bytes_; }
     const char* c_str() const { return bytes_.c_str(); }
@@ -25,7 +25,9 @@ public:
 
     String toString() const;  // decoded as UTF-8
     CString trim() const;
-    // True when `other` equals this text exactly (byte for byte, same length).
+    // True when the text of `other` equals this text exactly, byte for byte. The text of a
+    // CString ends at its first zero byte (or its end), so a terminating zero appended to one
+    // side does not matter.
     bool directMatch(const CString& other) const;
     int compare(const CString& other) const;
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "kiv/Export.h"
+#include "kiv/String.h"
 
 namespace kiv {
 
@@ -17,7 +18,10 @@ public:
     static Time getCurrentTime();
     // seconds * 1000 + milliseconds of getCurrentTime().
     static uint64_t getCurrentTimeMilliseconds();
+    // Sleeps on the one clock: a virtual clock advances at once.
     static void sleep(uint32_t milliseconds);
+    // True when `path` names an existing file, directory or device (as FileSystem::exists).
+    static bool exists(const String& path);
 };
 
 }  // namespace kiv

@@ -1,0 +1,9 @@
+#include "SystemDirectories.h"
+
+namespace kiv::platform {
+
+String windowsDirectory() { return String(); }
+
+String systemDirectory() { return String(); }
+
+}  // namespace kiv::platform
