@@ -53,17 +53,14 @@ void Drive::GetScsiPath() {
         return;
     }
     const quel5::Value& numbers = property->value();
-    uint8_t* const components[] = {&scsiPath.port, &scsiPath.path, &scsiPath.target,
-                                   &scsiPath.lun};
+    uint8_t* const components[] = {&scsiPath.port, &scsiPath.path, &scsiPath.target, &scsiPath.lun};
     const uint32_t present = numbers.Uint32ArraySize();
     for (uint32_t i = 0; i < 4 && i < present; ++i) {
         *components[i] = static_cast<uint8_t>(numbers.getUint32InArray(i));
     }
 }
 
-uint32_t Drive::GetOptimalReadAmount() const {
-    return 0;
-}
+uint32_t Drive::GetOptimalReadAmount() const { return 0; }
 
 quel5::TestResult Drive::lock() {
     bool locked = false;
@@ -86,29 +83,21 @@ quel5::TestResult Drive::unLock() {
     return quel5::TestResult::PASS;
 }
 
-bool Drive::CheckForQualifiedMedia() {
-    return false;
-}
+bool Drive::CheckForQualifiedMedia() { return false; }
 
-bool Drive::MediaQualified() {
-    return true;
-}
+bool Drive::MediaQualified() { return true; }
 
 quel5::TestResult Drive::PromptUserOnUnqualifiedMedia() {
     return quel5::TestResult::INCORRECTMEDIA;
 }
 
-quel5::TestResult Drive::GetPASSResult() {
-    return quel5::TestResult::PASS;
-}
+quel5::TestResult Drive::GetPASSResult() { return quel5::TestResult::PASS; }
 
 void Drive::LockTray() {}
 
 void Drive::UnlockTray() {}
 
-bool Drive::provideEstimatedTime() {
-    return false;
-}
+bool Drive::provideEstimatedTime() { return false; }
 
 quel5::TestResult Drive::SeekToSector(uint64_t /*sector*/) {
     log(static_cast<int>(kiv::LogPriority::Notice), __LINE__,
@@ -116,13 +105,9 @@ quel5::TestResult Drive::SeekToSector(uint64_t /*sector*/) {
     return quel5::TestResult::NOTSUPPORTED;
 }
 
-quel5::TestResult Drive::CheckSumOpenFile() {
-    return quel5::TestResult::INTERNALERROR;
-}
+quel5::TestResult Drive::CheckSumOpenFile() { return quel5::TestResult::INTERNALERROR; }
 
-quel5::TestResult Drive::CheckSumCloseFile() {
-    return quel5::TestResult::INTERNALERROR;
-}
+quel5::TestResult Drive::CheckSumCloseFile() { return quel5::TestResult::INTERNALERROR; }
 
 quel5::TestResult Drive::ComputeCheckSum(const uint64_t& /*fileSize*/) {
     return quel5::TestResult::INTERNALERROR;

@@ -11,13 +11,13 @@
 
 namespace kivrlibdrive {
 
-LIBDRIVE_API extern quel5::Parameter* g_bPreserveData;           // "PreserveData", BOOLEAN
-LIBDRIVE_API extern quel5::Parameter* g_NumberOfPatterns;        // "NumberOfPatterns", UINT32
-LIBDRIVE_API extern quel5::Parameter* g_NumberOfSeeks;           // "NumberOfSeeks", UINT32
-LIBDRIVE_API extern quel5::Parameter* g_SectorPercentToTest;     // "SectorPercentToTest", PERCENT
-LIBDRIVE_API extern quel5::Parameter* g_AdjustForLargeDrives;    // "AdjustForLargeDrives", BOOLEAN
-LIBDRIVE_API extern quel5::Parameter* g_LargeDriveSize;          // "LargeDriveSize", UINT32 (GiB)
-LIBDRIVE_API extern quel5::Parameter* g_LargeDriveStartRange;    // "LargeDriveStartRange", STRING
-LIBDRIVE_API extern quel5::Parameter* g_LargeDriveEndRange;      // "LargeDriveEndRange", STRING
+LIBDRIVE_API extern quel5::Parameter* g_bPreserveData;         // "PreserveData", BOOLEAN
+LIBDRIVE_API extern quel5::Parameter* g_NumberOfPatterns;      // "NumberOfPatterns", UINT32
+LIBDRIVE_API extern quel5::Parameter* g_NumberOfSeeks;         // "NumberOfSeeks", UINT32
+LIBDRIVE_API extern quel5::Parameter* g_SectorPercentToTest;   // "SectorPercentToTest", PERCENT
+LIBDRIVE_API extern quel5::Parameter* g_AdjustForLargeDrives;  // "AdjustForLargeDrives", BOOLEAN
+LIBDRIVE_API extern quel5::Parameter* g_LargeDriveSize;        // "LargeDriveSize", UINT32 (GiB)
+LIBDRIVE_API extern quel5::Parameter* g_LargeDriveStartRange;  // "LargeDriveStartRange", STRING
+LIBDRIVE_API extern quel5::Parameter* g_LargeDriveEndRange;    // "LargeDriveEndRange", STRING
 
 }  // namespace kivrlibdrive
