@@ -1,0 +1,225 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "quel5/DiagModule.h"
+#include "quel5/Registry.h"
+#include "support/Printers.h"
+#include "support/RecordingHost.h"
+
+namespace {
+
+using quel5::DiagModule;
+using quel5::Severity;
+using testsupport::RecordingHost;
+using testsupport::ScopedHost;
+
+TEST(DiagModuleTest, EveryServiceReachesTheHostInOrder) {
+    RecordingHost host;
+    ScopedHost installed(host);
+    quel5::Event event("Deliver_Event");
+    quel5::LocalizedString text("Deliver_Text");
+
+    DiagModule::registerLibrary("Deliver_Lib");
+    event.setVariable("Sector", 10u);
+    DiagModule::warning(&event, "libDrive/A", 11);
+    event.setVariable("Sector", 20u).setVariable("Extra", "e");
+    DiagModule::informative(&event, "libDrive/B", 22);
+    DiagModule::error(&event, "libDrive/C", 33);
+    text.setVariable("ReadSector", 7u);
+    DiagModule::progress(&text);
+    DiagModule::progressTimed(1000.0, &text);
+    DiagModule::percentDone(30);
+    DiagModule::resetPercentDone();
+    DiagModule::estimatedTimeLeft(12);
+
+    const std::vector<testsupport::Report> reports = host.reports();
+    ASSERT_EQ(reports.size(), 9u);
+    EXPECT_EQ(std::get<testsupport::LibraryReport>(reports[0]).name, "Deliver_Lib");
+
+    struct EventCase {
+        std::size_t index;
+        Severity severity;
+        const char* source;
+        int line;
+        unsigned int sector;
+        std::vector<std::string> names;
+    };
+    const EventCase events[] = {
+        {1, Severity::WARNING, "libDrive/A", 11, 10, {"Sector"}},
+        {2, Severity::INFORMATIVE, "libDrive/B", 22, 20, {"Sector", "Extra"}},
+        {3, Severity::ERROR, "libDrive/C", 33, 20, {"Sector", "Extra"}},
+    };
+    for (const EventCase& c : events) {
+        SCOPED_TRACE(c.index);
+        const auto& report = std::get<testsupport::EventReport>(reports[c.index]);
+        EXPECT_EQ(report.severity, c.severity);
+        EXPECT_EQ(report.key, "Deliver_Event");
+        EXPECT_EQ(report.source, c.source);
+        EXPECT_EQ(report.line, c.line);
+        EXPECT_EQ(report.get("Sector").valueUint32(), c.sector);
+        EXPECT_EQ(report.names(), c.names);
+    }
+
+    const auto& plain = std::get<testsupport::ProgressReport>(reports[4]);
+    const auto& timed = std::get<testsupport::ProgressReport>(reports[5]);
+    EXPECT_EQ(plain.key, "Deliver_Text");
+    EXPECT_EQ(plain.text, "Deliver_Text{ReadSector=7}");
+    EXPECT_EQ(plain.intervalMs, 0.0);
+    EXPECT_EQ(timed.intervalMs, 1000.0);
+    EXPECT_EQ(std::get<testsupport::PercentReport>(reports[6]).percent, 30u);
+    EXPECT_TRUE(std::holds_alternative<testsupport::ResetPercentReport>(reports[7]));
+    EXPECT_EQ(std::get<testsupport::TimeLeftReport>(reports[8]).seconds, 12u);
+}
+
+TEST(DiagModuleTest, NullHandlesAreIgnored) {
+    RecordingHost host;
+    ScopedHost installed(host);
+    DiagModule::warning(nullptr, "libDrive/X", 1);
+    DiagModule::informative(nullptr, "libDrive/X", 2);
+    DiagModule::error(nullptr, "libDrive/X", 3);
+    DiagModule::progress(nullptr);
+    DiagModule::progressTimed(1000.0, nullptr);
+    DiagModule::percentDone(5);
+    EXPECT_EQ(host.reports().size(), 1u);
+    EXPECT_EQ(host.percents(), std::vector<unsigned int>{5});
+}
+
+TEST(DiagModuleTest, WithoutAHostNothingIsDeliveredAndStopIsNeverRequested) {
+    RecordingHost host;
+    { ScopedHost installed(host); }  // installed and gone again
+    quel5::Event event("Nobody_Listens");
+    DiagModule::error(&event, "libDrive/X", 1);
+    DiagModule::percentDone(50);
+    DiagModule::registerLibrary("Nobody_Lib");
+    EXPECT_FALSE(DiagModule::checkForStop());
+    EXPECT_EQ(DiagModule::createMessageBox2("m", "t", 0, 0, 0, true), nullptr);
+    EXPECT_TRUE(host.reports().empty());
+    EXPECT_EQ(quel5::installedHost(), nullptr);
+}
+
+TEST(DiagModuleTest, StopScriptsAnswerPolls) {
+    struct Case {
+        const char* what;
+        int afterPolls;  // -1: stop once the last percent reaches 50
+        std::vector<bool> answers;
+    };
+    const Case cases[] = {
+        {"never", -2, {false, false, false}},
+        {"at once", 0, {true, true}},
+        {"after two", 2, {false, false, true, true}},
+        {"predicate", -1, {false, false, true, true}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        RecordingHost host;
+        ScopedHost installed(host);
+        if (c.afterPolls >= 0) host.stopAfterPolls(c.afterPolls);
+        if (c.afterPolls == -1) {
+            host.stopWhen([](const RecordingHost& h) { return h.lastPercent().value_or(0) >= 50; });
+        }
+        std::vector<bool> answers;
+        for (unsigned int i = 0; i < c.answers.size(); ++i) {
+            DiagModule::percentDone(i * 25);
+            answers.push_back(DiagModule::checkForStop());
+        }
+        EXPECT_EQ(answers, c.answers);
+        EXPECT_EQ(host.stopPolls(), c.answers.size());
+    }
+}
+
+TEST(DiagModuleTest, MessageBoxesTakeTheirAnswersFromTheHost) {
+    RecordingHost host;
+    ScopedHost installed(host);
+    host.queueAnswers({quel5::MB2_YES, quel5::MB2_NO});
+    host.setDefaultAnswer(quel5::MB2_RETRY);
+    const int expected[] = {quel5::MB2_YES, quel5::MB2_NO, quel5::MB2_RETRY, quel5::MB2_RETRY};
+    for (int answer : expected) {
+        quel5::MessageBox2* box = DiagModule::createMessageBox2("Insert", "Title", 0, 3, 0, true);
+        ASSERT_NE(box, nullptr);
+        EXPECT_EQ(box->getReturn(), quel5::MB2_NONE);
+        EXPECT_TRUE(box->display());
+        box->wait(0);
+        EXPECT_EQ(box->getReturn(), answer);
+        delete box;
+    }
+    const auto boxes = host.messageBoxes();
+    ASSERT_EQ(boxes.size(), 4u);
+    EXPECT_EQ(boxes[0].message, "Insert");
+    EXPECT_EQ(boxes[0].title, "Title");
+    EXPECT_EQ(boxes[0].buttons, 3u);
+    EXPECT_TRUE(boxes[0].modal);
+    EXPECT_EQ(boxes[1].answer, quel5::MB2_NO);
+}
+
+TEST(DiagModuleTest, MessageBoxThatCannotBeShownHasNoAnswer) {
+    quel5::MessageBox2 orphan("m", "t", 0, 0, 0, true);
+    EXPECT_FALSE(orphan.display());
+    EXPECT_EQ(orphan.getReturn(), quel5::MB2_NONE);
+
+    RecordingHost host;
+    ScopedHost installed(host);
+    host.setCanShowMessageBoxes(false);
+    quel5::MessageBox2 refused("m", "t", 0, 0, 0, true);
+    EXPECT_FALSE(refused.display());
+    EXPECT_EQ(refused.getReturn(), quel5::MB2_NONE);
+    refused.cancel();  // never shown: nothing to withdraw
+    EXPECT_EQ(host.count<testsupport::MessageBoxCancelReport>(), 0u);
+    ASSERT_EQ(host.messageBoxes().size(), 1u);
+    EXPECT_FALSE(host.messageBoxes()[0].shown);
+}
+
+TEST(DiagModuleTest, CancellingADisplayedBoxTellsTheHost) {
+    RecordingHost host;
+    ScopedHost installed(host);
+    quel5::MessageBox2 box("Erase?", "t", 0, 3, 0, true);
+    ASSERT_TRUE(box.display());
+    box.cancel();
+    EXPECT_EQ(box.getReturn(), quel5::MB2_CANCEL);
+    const auto cancels = host.all<testsupport::MessageBoxCancelReport>();
+    ASSERT_EQ(cancels.size(), 1u);
+    EXPECT_EQ(cancels[0].message, "Erase?");
+}
+
+TEST(DiagModuleTest, ReportsFromTwoThreadsAllArriveInEachThreadsOrder) {
+    RecordingHost host;
+    ScopedHost installed(host);
+    constexpr unsigned int kReports = 2000;
+    std::thread worker([] {
+        for (unsigned int i = 0; i < kReports; ++i) DiagModule::percentDone(i);
+    });
+    for (unsigned int i = 0; i < kReports; ++i) DiagModule::estimatedTimeLeft(i);
+    worker.join();
+    const std::vector<unsigned int> percents = host.percents();
+    const std::vector<unsigned int> timesLeft = host.timesLeft();
+    ASSERT_EQ(percents.size(), kReports);
+    ASSERT_EQ(timesLeft.size(), kReports);
+    for (unsigned int i = 0; i < kReports; ++i) {
+        ASSERT_EQ(percents[i], i);
+        ASSERT_EQ(timesLeft[i], i);
+    }
+}
+
+TEST(DiagModuleTest, ScopedHostRestoresThePreviousHostAndClearsParameters) {
+    quel5::Parameter* parameter = DiagModule::createParameter(
+        "Scoped_Param", quel5::DataType::UINT32, "", false, false);
+    RecordingHost outer;
+    RecordingHost inner;
+    ScopedHost outerScope(outer);
+    ASSERT_TRUE(parameter->setFromText(L"3", nullptr));
+    {
+        ScopedHost innerScope(inner);
+        EXPECT_FALSE(parameter->isset());
+        ASSERT_TRUE(parameter->setFromText(L"4", nullptr));
+        DiagModule::percentDone(1);
+    }
+    EXPECT_FALSE(parameter->isset());
+    EXPECT_EQ(quel5::installedHost(), &outer);
+    DiagModule::percentDone(2);
+    EXPECT_EQ(inner.percents(), std::vector<unsigned int>{1});
+    EXPECT_EQ(outer.percents(), std::vector<unsigned int>{2});
+}
+
+}  // namespace
