@@ -47,14 +47,14 @@ TraceLogger::TraceLogger(const Logger* logger, const String& function, const Str
                          int line)
     : logger_(logger), function_(function), line_(line) {
     if (logger_) {
-        logger_->log(1, String::fromNumber(static_cast<uint64_t>(line_ < 0 ? 0 : line_)) +
+        logger_->log(1, String::fromSignedNumber(line_) +
                             L" Entering " + function_ + L" (" + source + L")");
     }
 }
 
 TraceLogger::~TraceLogger() {
     if (logger_) {
-        logger_->log(1, String::fromNumber(static_cast<uint64_t>(line_ < 0 ? 0 : line_)) +
+        logger_->log(1, String::fromSignedNumber(line_) +
                             L" Leaving " + function_);
     }
 }
