@@ -1,0 +1,61 @@
+#include "host/DriveOpening.h"
+
+#include "host/BlockDeviceDrive.h"
+#include "host/SimDeviceText.h"
+#include "kiv/Exception.h"
+#include "sim/SimulatedDrive.h"
+
+namespace host {
+namespace {
+
+OpenResult failed(OpenFailure failure, std::string error) {
+    OpenResult result;
+    result.failure = failure;
+    result.error = std::move(error);
+    return result;
+}
+
+std::unique_ptr<sim::SimulatedDrive> buildSimulatedDrive(const quel5::DiagDevice& device,
+                                                         const SimDeviceSpec& spec) {
+    sim::SimulatedDriveConfig config;
+    config.totalSectors = spec.totalSectors;
+    config.bytesPerSector = spec.bytesPerSector;
+    config.cost.perReadMs = spec.costMs;
+    config.cost.perWriteMs = spec.costMs;
+    config.switches.provideEstimatedTime = true;
+    config.recordOperations = false;
+    auto drive = std::make_unique<sim::SimulatedDrive>(device, config);
+    for (const SectorSpan& span : spec.bad) {
+        for (uint64_t i = 0; i < span.count; ++i)
+            drive->injectFault(span.first + i, sim::SectorFault::ReadFails);
+    }
+    for (uint64_t sector : spec.flaky) drive->injectFault(sector, sim::SectorFault::Flaky);
+    for (uint64_t sector : spec.internal)
+        drive->injectFault(sector, sim::SectorFault::ReadInternalError);
+    return drive;
+}
+
+}  // namespace
+
+OpenResult openDrive(const std::string& text) {
+    if (text.empty()) return failed(OpenFailure::BadText, "the device text is empty");
+    OpenResult result;
+    result.opened.device = std::make_unique<quel5::DiagDevice>(QuelString(text.c_str()));
+    if (isSimDeviceText(text)) {
+        std::string error;
+        const auto spec = parseSimDeviceText(text, &error);
+        if (!spec) return failed(OpenFailure::BadText, text + ": " + error);
+        result.opened.drive = buildSimulatedDrive(*result.opened.device, *spec);
+        return result;
+    }
+    std::string error;
+    try {
+        result.opened.drive = openBlockDrive(*result.opened.device, &error);
+    } catch (const kiv::Exception& e) {
+        error = e.getMessage().toUtf8();
+    }
+    if (!result.opened.drive) return failed(OpenFailure::CannotOpen, text + ": " + error);
+    return result;
+}
+
+}  // namespace host

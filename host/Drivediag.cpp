@@ -1,0 +1,162 @@
+#include "host/Drivediag.h"
+
+#include <cstdio>
+#include <memory>
+
+#include "host/CommandLine.h"
+#include "host/ConsoleHost.h"
+#include "host/DriveList.h"
+#include "host/DriveOpening.h"
+#include "host/ExitCodes.h"
+#include "host/Json.h"
+#include "host/LogSession.h"
+#include "host/ParameterSetup.h"
+#include "host/StopRequest.h"
+#include "host/TestTable.h"
+#include "kiv/Exception.h"
+#include "libDrive/LibDrive.h"
+#include "quel5/Host.h"
+
+namespace host {
+namespace {
+
+int usageError(const Console& console, const std::string& reason) {
+    console.err << "drivediag: " << reason << "\nTry 'drivediag --help'.\n";
+    return kExitUsage;
+}
+
+std::string testNames() {
+    std::string names;
+    for (const TestDefinition& test : testTable()) names += (names.empty() ? "" : ", ") + test.name;
+    return names;
+}
+
+// The framework host, the Ctrl-C handler and the library's registration, for one run.
+class RunScope {
+public:
+    explicit RunScope(ConsoleHost& host) {
+        quel5::installHost(&host);
+        static const bool registered = (kivrlibdrive::initLibDrive(), true);
+        (void)registered;
+        clearStopRequest();
+        installInterruptHandler();
+    }
+    ~RunScope() {
+        removeInterruptHandler();
+        quel5::installHost(nullptr);
+    }
+    RunScope(const RunScope&) = delete;
+    RunScope& operator=(const RunScope&) = delete;
+};
+
+int runTest(const CommandLine& line, const Console& console) {
+    const TestDefinition* test = findTest(line.test);
+    if (!test) return usageError(console, "unknown test \"" + line.test + "\" (tests: " + testNames() + ")");
+    ParameterValues parameters;
+    std::string error;
+    if (!applyParameters(*test, line.sets, &parameters, &error)) return usageError(console, error);
+    LogSession log;
+    if (!log.start(line.logFile, line.logLevel, &error)) return usageError(console, error);
+    const std::string deviceText = line.device.value_or(kBuiltInDevice);
+    OpenResult opened = openDrive(deviceText);
+    if (opened.failure == OpenFailure::BadText) return usageError(console, opened.error);
+    if (opened.failure == OpenFailure::CannotOpen) {
+        console.err << "drivediag: cannot open " << opened.error << "\n";
+        return kExitNoDevice;
+    }
+
+    std::unique_ptr<ConsoleHost> host;
+    if (line.json) {
+        host = std::make_unique<JsonHost>(console.out, line.answer);
+    } else {
+        host = std::make_unique<TextHost>(console.out, line.answer, console.terminal);
+    }
+    RunScope scope(*host);
+    host->runStarting({test->name, deviceText, parameters});
+    quel5::TestResult result;
+    try {
+        result = test->run(*opened.opened.drive);
+    } catch (const kiv::Exception& e) {
+        console.err << "drivediag: the test ended with an exception: " << e.getMessage().toUtf8()
+                    << "\n";
+        return kExitSoftware;
+    } catch (const std::exception& e) {
+        console.err << "drivediag: the test ended with an exception: " << e.what() << "\n";
+        return kExitSoftware;
+    }
+    const int code = exitCodeFor(result);
+    host->runFinished(result, code);
+    return code;
+}
+
+int listTests(const CommandLine& line, const Console& console) {
+    for (const TestDefinition& test : testTable()) {
+        if (line.json) {
+            JsonObject defaults;
+            for (const ParameterDefault& entry : test.defaults) defaults.text(entry.key, entry.value);
+            console.out << JsonObject()
+                               .text("type", "test")
+                               .text("name", test.name)
+                               .text("description", test.description)
+                               .raw("defaults", defaults.str())
+                               .str()
+                        << "\n";
+            continue;
+        }
+        console.out << test.name << "\n    " << test.description << "\n    defaults:";
+        for (const ParameterDefault& entry : test.defaults)
+            console.out << " " << entry.key << "=" << entry.value;
+        console.out << "\n";
+    }
+    return 0;
+}
+
+std::string sizeText(uint64_t bytes) {
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%.1f GiB", static_cast<double>(bytes) / (1ull << 30));
+    return buffer;
+}
+
+int listDrivesCommand(const CommandLine& line, const Console& console) {
+    const std::vector<DriveInfo> drives = listDrives();
+    for (const DriveInfo& drive : drives) {
+        if (line.json) {
+            console.out << JsonObject()
+                               .text("type", "drive")
+                               .text("path", drive.path)
+                               .text("model", drive.model)
+                               .number("sizeBytes", drive.sizeBytes)
+                               .number("bytesPerSector", drive.bytesPerSector)
+                               .str()
+                        << "\n";
+        } else {
+            console.out << drive.path << "  " << sizeText(drive.sizeBytes) << "  "
+                        << drive.bytesPerSector << "-byte sectors"
+                        << (drive.model.empty() ? "" : "  " + drive.model) << "\n";
+        }
+    }
+    if (drives.empty() && !line.json)
+        console.out << "No drives found (listing them may need administrator rights).\n";
+    return 0;
+}
+
+}  // namespace
+
+int runDrivediag(const std::vector<std::string>& args, const Console& console) {
+    std::string error;
+    const auto line = parseCommandLine(args, &error);
+    if (!line) return usageError(console, error);
+    if (line->help || line->command == Command::Help) {
+        console.out << usageText(line->command);
+        return 0;
+    }
+    switch (line->command) {
+        case Command::Run: return runTest(*line, console);
+        case Command::Tests: return listTests(*line, console);
+        case Command::List: return listDrivesCommand(*line, console);
+        case Command::Help: break;
+    }
+    return 0;
+}
+
+}  // namespace host

@@ -1,0 +1,44 @@
+// The text that names a simulated drive on the command line:
+//
+//   sim:SIZE[,sector=N][,bad=LBA[+COUNT]]...[,flaky=LBA]...[,internal=LBA]...[,cost=MS]
+//
+// SIZE is a byte count with an optional binary unit (K, KB, KiB = 1024; M, MB, MiB; G, GB, GiB;
+// T, TB, TiB; units are case-insensitive) or a sector count with the unit "s"; a byte size is
+// rounded down to whole sectors. sector is the sector size in bytes (a power of two from 512 to
+// 65536, default 512). bad marks COUNT sectors (default 1, at most 1,000,000 per entry) whose
+// reads fail; flaky a sector that reads differently after its first read; internal a sector
+// whose read ends a test with an internal error. cost is the time in milliseconds each read or
+// write takes (at most 60000). Every sector named must lie on the drive.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+struct SectorSpan {
+    uint64_t first = 0;
+    uint64_t count = 1;
+    bool operator==(const SectorSpan&) const = default;
+};
+
+struct SimDeviceSpec {
+    uint64_t totalSectors = 0;
+    uint32_t bytesPerSector = 512;
+    std::vector<SectorSpan> bad;
+    std::vector<uint64_t> flaky;
+    std::vector<uint64_t> internal;
+    uint32_t costMs = 0;
+    bool operator==(const SimDeviceSpec&) const = default;
+};
+
+// True when `text` names a simulated drive (starts with "sim:").
+bool isSimDeviceText(std::string_view text);
+
+// The drive `text` describes, or nullopt with a reason for a person in *error.
+std::optional<SimDeviceSpec> parseSimDeviceText(std::string_view text, std::string* error);
+
+}  // namespace host

@@ -1,0 +1,11 @@
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include "host/Drivediag.h"
+#include "host/Terminal.h"
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> args(argv + 1, argv + argc);
+    return host::runDrivediag(args, {std::cout, std::cerr, host::standardOutputIsTerminal()});
+}
