@@ -1,0 +1,118 @@
+// host::BlockDeviceDrive: the concrete hard drive over a real disk or a disk image file.
+//
+// The device is the DiagDevice's OS locator: a block device (/dev/sdb, /dev/loop0), a physical
+// drive (\\.\PhysicalDrive1) or a regular file holding a disk image. Disks report their sector
+// size and capacity themselves; an image file has 512-byte sectors unless the device property
+// "BytesPerSector" (a number) says otherwise, and its capacity is its size in whole sectors.
+//
+// Transfers bypass the system's cache where the device allows it (O_DIRECT /
+// FILE_FLAG_NO_BUFFERING); a caller's buffer that is not suitably aligned goes through an
+// aligned bounce buffer. Files on filesystems without direct I/O are read through the cache.
+//
+// Results of reads and writes: PASS; FAIL for a request outside the device or not fitting its
+// buffer (the device and the buffer are left untouched) and for sectors the device cannot
+// transfer; INTERNALERROR when the device is not open or has gone away; DEVICEBUSY for a write
+// while the drive is not locked. The drive is opened read-only: lock() takes the disk through
+// the Drive base's locking manager and only then opens it for writing, until unLock().
+//
+// Not thread-safe; one test uses it at a time.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "host/BlockDevice.h"
+#include "host/BlockDeviceBuffer.h"
+#include "libDrive/Drive.h"
+
+namespace host {
+
+class BlockDeviceDrive : public kivrlibdrive::Drive {
+public:
+    // Does not touch the device; call OpenDevice(). `device` must outlive the drive.
+    explicit BlockDeviceDrive(const quel5::DiagDevice& device);
+    ~BlockDeviceDrive() override;
+
+    quel5::TestResult ReadSectors(const uint64_t& startSector, unsigned int count, void* buffer,
+                                  unsigned int bufferSize) override;
+    // REQUIRES for PASS: lock() answered PASS and unLock() was not called since.
+    quel5::TestResult WriteSectors(const uint64_t& startSector, unsigned int count,
+                                   const void* buffer, unsigned int bufferSize) override;
+    // Reads the sectors into scratch memory. Same results as ReadSectors.
+    quel5::TestResult VerifySectors(const uint64_t& startSector, unsigned int count) override;
+    // Commits what was written since lock(); PASS at once when the drive is not locked, as
+    // unLock() has flushed everything written before.
+    quel5::TestResult FlushCache() override;
+    // Geometry as found by the last successful OpenDevice(); 0 before.
+    uint32_t GetSectorsPerTrack() override;
+    uint32_t GetBytesPerSector() override;
+    // About 1 MiB worth of sectors.
+    uint32_t GetOptimalReadAmount() const override;
+    uint64_t GetTotalSectors() override;
+    // Nothing to prepare: PASS.
+    quel5::TestResult PrepareRead() override;
+    // Opens the device read-only and reads its geometry. PASS, or NODEVICE with lastError() set.
+    // PASS at once when already open.
+    quel5::TestResult OpenDevice() override;
+    // Closes the device (the write handle too). PASS.
+    quel5::TestResult CloseDevice() override;
+    bool IsWriteProtected() override;
+    // The file descriptor (Windows: the HANDLE) as a pointer; invalidDriveHandle() when closed.
+    void* GetHandle() override;
+    // Drive::lock(), then opens the device for writing unless it is write-protected. A failure
+    // to open for writing does not fail the lock; writes answer FAIL instead.
+    quel5::TestResult lock() override;
+    // Flushes and closes the write handle, then Drive::unLock().
+    quel5::TestResult unLock() override;
+    // No removable medium to check: false, and CheckMedia answers PASS.
+    bool NeedsMediaCheck() override;
+    quel5::TestResult CheckMedia(bool flag) override;
+    // A failing disk is not retried: false, false.
+    bool IsRerunAllowed() override;
+    bool ConfirmRerun() override;
+
+    const std::string& path() const { return path_; }
+    // True when transfers currently bypass the system's cache.
+    bool usesDirectIo() const { return direct_; }
+    // Why the last failing operation failed, for a person (UTF-8).
+    const std::string& lastError() const { return lastError_; }
+
+private:
+    enum class Direction { Read, Write };
+
+    // False (with lastError_ set) unless `count` >= 1 sectors from `startSector` lie on the
+    // device.
+    bool acceptsRange(uint64_t startSector, unsigned int count);
+    // False (with lastError_ set) unless `count` sectors fit `bufferSize` bytes at `buffer`.
+    bool acceptsBuffer(unsigned int count, const void* buffer, unsigned int bufferSize);
+    quel5::TestResult transfer(Direction direction, uint64_t startSector, unsigned int count,
+                               unsigned char* buffer);
+    os::IoResult move(Direction direction, uint64_t offset, unsigned char* buffer, size_t bytes);
+    // Reopens every handle without direct I/O. False when the device cannot be reopened.
+    bool reopenCached();
+    quel5::TestResult failed(const std::string& why, quel5::TestResult result);
+    uint32_t imageSectorSize() const;
+
+    std::string path_;
+    blockdevice::Kind kind_ = blockdevice::Kind::Disk;
+    os::DeviceHandle reader_;
+    os::DeviceHandle writer_;
+    bool direct_ = false;
+    bool writeProtected_ = false;
+    uint32_t bytesPerSector_ = 0;
+    uint32_t sectorsPerTrack_ = 0;
+    uint64_t totalSectors_ = 0;
+    size_t alignment_ = 0;
+    AlignedBuffer bounce_;
+    AlignedBuffer scratch_;
+    std::string lastError_;
+};
+
+// Opens the device named by `device`'s OS locator as a BlockDeviceDrive. nullptr when it cannot
+// be opened, with the reason in *error (when error is not null). `device` must outlive the
+// drive.
+std::unique_ptr<kivrlibdrive::Drive> openBlockDrive(const quel5::DiagDevice& device,
+                                                    std::string* error);
+
+}  // namespace host

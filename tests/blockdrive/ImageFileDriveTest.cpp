@@ -1,0 +1,356 @@
+// The block-device drive over disk image files: geometry, reads at the right offsets through
+// aligned and unaligned buffers, refusals that leave everything untouched, writes only under
+// lock, and the device handle's life.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <new>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "blockdrive/ImageFile.h"
+#include "host/BlockDeviceDrive.h"
+#include "support/RecordingHost.h"
+
+namespace quel5 {
+inline void PrintTo(const TestResult& result, std::ostream* out) { *out << result.name(); }
+}  // namespace quel5
+
+namespace {
+
+using blockdrivetest::ImageFile;
+using blockdrivetest::imageBytes;
+using quel5::TestResult;
+
+constexpr uint64_t kMiB = 1024 * 1024;
+constexpr uint8_t kGuard = 0xEE;
+
+// A page-aligned block from which buffers start `misalignment` bytes in, followed by guard
+// bytes that a transfer must never touch.
+class TestBuffer {
+public:
+    TestBuffer(size_t bytes, size_t misalignment)
+        : size_(bytes),
+          misalignment_(misalignment),
+          block_(static_cast<uint8_t*>(::operator new(bytes + misalignment + kGuardBytes,
+                                                     std::align_val_t{4096}))) {
+        std::memset(block_, kGuard, bytes + misalignment + kGuardBytes);
+    }
+    ~TestBuffer() { ::operator delete(block_, std::align_val_t{4096}); }
+    TestBuffer(const TestBuffer&) = delete;
+    TestBuffer& operator=(const TestBuffer&) = delete;
+
+    uint8_t* data() { return block_ + misalignment_; }
+    unsigned int size() const { return static_cast<unsigned int>(size_); }
+    std::vector<uint8_t> bytes() const {
+        return std::vector<uint8_t>(block_ + misalignment_, block_ + misalignment_ + size_);
+    }
+    // True when nothing around the buffer was written.
+    bool guardsIntact() const {
+        for (size_t i = 0; i < misalignment_; ++i) {
+            if (block_[i] != kGuard) return false;
+        }
+        for (size_t i = 0; i < kGuardBytes; ++i) {
+            if (block_[misalignment_ + size_ + i] != kGuard) return false;
+        }
+        return true;
+    }
+    void fill(const std::vector<uint8_t>& bytes) { std::memcpy(data(), bytes.data(), size_); }
+
+private:
+    static constexpr size_t kGuardBytes = 64;
+    size_t size_;
+    size_t misalignment_;
+    uint8_t* block_;
+};
+
+quel5::DiagDevice deviceFor(const ImageFile& image, uint32_t bytesPerSector = 0) {
+    quel5::DiagDevice device(QuelString(image.pathText().c_str()));
+    if (bytesPerSector != 0) {
+        device.setProperty(L"BytesPerSector", quel5::Value(bytesPerSector));
+    }
+    return device;
+}
+
+std::unique_ptr<host::BlockDeviceDrive> openDrive(const quel5::DiagDevice& device) {
+    auto drive = std::make_unique<host::BlockDeviceDrive>(device);
+    EXPECT_EQ(drive->OpenDevice(), TestResult::PASS) << drive->lastError();
+    return drive;
+}
+
+// Bytes `replacement` put at `offset` into `original`.
+std::vector<uint8_t> patched(std::vector<uint8_t> original, uint64_t offset,
+                             const std::vector<uint8_t>& replacement) {
+    std::copy(replacement.begin(), replacement.end(), original.begin() + offset);
+    return original;
+}
+
+std::vector<uint8_t> filled(size_t count, uint8_t value) {
+    return std::vector<uint8_t>(count, value);
+}
+
+class BlockDeviceDriveTest : public ::testing::Test {
+protected:
+    testsupport::RecordingHost host_;
+    testsupport::ScopedHost installed_{host_};
+};
+
+TEST_F(BlockDeviceDriveTest, GeometryFollowsFileSizeAndSectorSizeProperty) {
+    struct Case {
+        const char* name;
+        uint64_t fileBytes;
+        uint32_t sectorSizeProperty;  // 0: absent
+        uint32_t bytesPerSector;
+        uint64_t totalSectors;
+        uint32_t optimalReadAmount;
+    };
+    const Case cases[] = {
+        {"default 512", kMiB, 0, 512, 2048, 2048},
+        {"partial sector at the end ignored", kMiB + 300, 0, 512, 2048, 2048},
+        {"4096 from the property", kMiB, 4096, 4096, 256, 256},
+        {"2048 from the property", kMiB + 2047, 2048, 2048, 512, 512},
+        {"smaller than one sector", 511, 0, 512, 0, 2048},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ImageFile image("geometry", c.fileBytes);
+        const quel5::DiagDevice device = deviceFor(image, c.sectorSizeProperty);
+        auto drive = openDrive(device);
+        EXPECT_EQ(drive->GetBytesPerSector(), c.bytesPerSector);
+        EXPECT_EQ(drive->GetTotalSectors(), c.totalSectors);
+        EXPECT_EQ(drive->GetOptimalReadAmount(), c.optimalReadAmount);
+        EXPECT_EQ(drive->GetSectorsPerTrack(), 63u);
+        EXPECT_FALSE(drive->IsWriteProtected());
+        EXPECT_NE(drive->GetHandle(), kivrlibdrive::invalidDriveHandle());
+    }
+}
+
+TEST_F(BlockDeviceDriveTest, OpeningFailsClearlyForWhatIsNoImage) {
+    ImageFile image("open", kMiB);
+    const std::filesystem::path missing = image.path().string() + ".missing";
+    struct Case {
+        const char* name;
+        std::string path;
+        bool zeroSectorSize;
+    };
+    const Case cases[] = {
+        {"missing file", missing.string(), false},
+        {"directory", image.path().parent_path().string(), false},
+        {"sector size 0", image.pathText(), true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        quel5::DiagDevice device(QuelString(c.path.c_str()));
+        if (c.zeroSectorSize) {
+            device.setProperty(L"BytesPerSector", quel5::Value(0u));
+        }
+        std::string error;
+        EXPECT_EQ(host::openBlockDrive(device, &error), nullptr);
+        EXPECT_FALSE(error.empty());
+    }
+}
+
+TEST_F(BlockDeviceDriveTest, ReadsReturnTheImageBytesAtTheSectorsAsked) {
+    ImageFile image("read", 4 * kMiB);
+    struct Case {
+        const char* name;
+        uint32_t bytesPerSector;
+        uint64_t start;
+        unsigned int count;
+        size_t misalignment;
+    };
+    const Case cases[] = {
+        {"first sector", 512, 0, 1, 0},
+        {"last sector", 512, 8191, 1, 0},
+        {"last sector, unaligned buffer", 512, 8191, 1, 1},
+        {"few sectors, unaligned buffer", 512, 5, 3, 1},
+        {"1 MiB aligned", 512, 100, 2048, 0},
+        {"more than one bounce, unaligned", 512, 100, 3000, 1},
+        {"up to the end, unaligned", 512, 7000, 1192, 3},
+        {"4096-byte sectors, unaligned", 4096, 3, 2, 8},
+        {"4096-byte last sector", 4096, 1023, 1, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const quel5::DiagDevice device = deviceFor(image, c.bytesPerSector);
+        auto drive = openDrive(device);
+        TestBuffer buffer(size_t{c.count} * c.bytesPerSector, c.misalignment);
+        ASSERT_EQ(drive->ReadSectors(c.start, c.count, buffer.data(), buffer.size()),
+                  TestResult::PASS)
+            << drive->lastError();
+        EXPECT_EQ(buffer.bytes(), imageBytes(c.start * c.bytesPerSector, buffer.size()));
+        EXPECT_TRUE(buffer.guardsIntact());
+        EXPECT_EQ(drive->VerifySectors(c.start, c.count), TestResult::PASS);
+    }
+}
+
+TEST_F(BlockDeviceDriveTest, RequestsOutsideTheDeviceOrBufferFailUntouched) {
+    ImageFile image("range", kMiB);  // 2048 sectors of 512
+    const quel5::DiagDevice device = deviceFor(image);
+    auto drive = openDrive(device);
+    ASSERT_TRUE(drive->lock() == TestResult::PASS);
+    constexpr uint64_t kLast = 2047;
+    struct Case {
+        const char* name;
+        uint64_t start;
+        unsigned int count;
+        unsigned int bufferSize;  // 0: count sectors
+        bool nullBuffer;
+    };
+    const Case cases[] = {
+        {"first sector past the end", kLast + 1, 1, 0, false},
+        {"last sector and one past it", kLast, 2, 0, false},
+        {"start near 2^64", std::numeric_limits<uint64_t>::max(), 1, 0, false},
+        {"count wrapping past 2^64", 2, std::numeric_limits<unsigned int>::max(), 512, false},
+        {"no sectors", 0, 0, 512, false},
+        {"buffer one byte short", 10, 2, 1023, false},
+        {"no buffer", 10, 1, 0, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const unsigned int size = c.bufferSize != 0 ? c.bufferSize : c.count * 512;
+        TestBuffer buffer(size, 0);
+        void* data = c.nullBuffer ? nullptr : buffer.data();
+        EXPECT_EQ(drive->ReadSectors(c.start, c.count, data, size), TestResult::FAIL);
+        EXPECT_EQ(buffer.bytes(), filled(size, kGuard));
+        EXPECT_EQ(drive->WriteSectors(c.start, c.count, data, size), TestResult::FAIL);
+        EXPECT_FALSE(drive->lastError().empty());
+    }
+    EXPECT_EQ(drive->VerifySectors(kLast, 2), TestResult::FAIL);
+    drive->unLock();
+    EXPECT_EQ(image.contents(), imageBytes(0, kMiB));
+}
+
+TEST_F(BlockDeviceDriveTest, WritesLandOnlyWhileLocked) {
+    ImageFile image("write", 2 * kMiB);  // 4096 sectors of 512
+    const quel5::DiagDevice device = deviceFor(image);
+    auto drive = openDrive(device);
+    struct Step {
+        const char* name;
+        enum { Write, Lock, Unlock } action;
+        uint64_t start;
+        unsigned int count;
+        size_t misalignment;
+        TestResult expected;
+    };
+    const Step steps[] = {
+        {"before lock", Step::Write, 3, 1, 0, TestResult::DEVICEBUSY},
+        {"lock", Step::Lock, 0, 0, 0, TestResult::PASS},
+        {"first sector", Step::Write, 0, 1, 0, TestResult::PASS},
+        {"last sector, unaligned", Step::Write, 4095, 1, 1, TestResult::PASS},
+        {"more than one bounce, unaligned", Step::Write, 10, 3000, 5, TestResult::PASS},
+        {"past the end", Step::Write, 4095, 2, 0, TestResult::FAIL},
+        {"unlock", Step::Unlock, 0, 0, 0, TestResult::PASS},
+        {"after unlock", Step::Write, 20, 1, 0, TestResult::DEVICEBUSY},
+    };
+    std::vector<uint8_t> expected = imageBytes(0, 2 * kMiB);
+    uint8_t fill = 0x10;
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.name);
+        if (step.action == Step::Lock) {
+            EXPECT_EQ(drive->lock(), step.expected);
+            continue;
+        }
+        if (step.action == Step::Unlock) {
+            EXPECT_EQ(drive->unLock(), step.expected);
+            continue;
+        }
+        TestBuffer buffer(size_t{step.count} * 512, step.misalignment);
+        const std::vector<uint8_t> data = filled(buffer.size(), fill++);
+        buffer.fill(data);
+        EXPECT_EQ(drive->WriteSectors(step.start, step.count, buffer.data(), buffer.size()),
+                  step.expected);
+        EXPECT_EQ(buffer.bytes(), data);
+        if (step.expected == TestResult::PASS) {
+            expected = patched(expected, step.start * 512, data);
+            // The drive reads back what it wrote.
+            TestBuffer readBack(buffer.size(), 0);
+            EXPECT_EQ(drive->ReadSectors(step.start, step.count, readBack.data(), readBack.size()),
+                      TestResult::PASS);
+            EXPECT_EQ(readBack.bytes(), data);
+        }
+    }
+    EXPECT_EQ(image.contents(), expected);
+}
+
+TEST_F(BlockDeviceDriveTest, LockRefusedWhileAnotherHolderHasTheImage) {
+    ImageFile image("busy", kMiB);
+    const quel5::DiagDevice device = deviceFor(image);
+    auto first = openDrive(device);
+    auto second = openDrive(device);
+    ASSERT_EQ(first->lock(), TestResult::PASS);
+    EXPECT_EQ(second->lock(), TestResult::DEVICEBUSY);
+    EXPECT_EQ(host_.eventKeys(), std::vector<std::string>{"DeviceBusy"});
+    const std::vector<uint8_t> data = filled(512, 0x5A);
+    EXPECT_EQ(second->WriteSectors(1, 1, data.data(), 512), TestResult::DEVICEBUSY);
+    first->unLock();
+    ASSERT_EQ(second->lock(), TestResult::PASS);
+    EXPECT_EQ(second->WriteSectors(1, 1, data.data(), 512), TestResult::PASS);
+    second->unLock();
+    EXPECT_EQ(image.contents(), patched(imageBytes(0, kMiB), 512, data));
+}
+
+TEST_F(BlockDeviceDriveTest, ReadOnlyImageIsWriteProtectedAndNeverWritten) {
+    ImageFile image("readonly", kMiB);
+    std::filesystem::permissions(image.path(),
+                                 std::filesystem::perms::owner_write |
+                                     std::filesystem::perms::group_write |
+                                     std::filesystem::perms::others_write,
+                                 std::filesystem::perm_options::remove);
+    const quel5::DiagDevice device = deviceFor(image);
+    auto drive = openDrive(device);
+    EXPECT_TRUE(drive->IsWriteProtected());
+    EXPECT_EQ(drive->lock(), TestResult::PASS);
+    const std::vector<uint8_t> data = filled(512, 0x77);
+    EXPECT_EQ(drive->WriteSectors(0, 1, data.data(), 512), TestResult::FAIL);
+    drive->unLock();
+    EXPECT_EQ(image.contents(), imageBytes(0, kMiB));
+}
+
+TEST_F(BlockDeviceDriveTest, HandleFollowsOpenAndClose) {
+    ImageFile image("handle", kMiB);
+    const quel5::DiagDevice device = deviceFor(image);
+    auto drive = openDrive(device);
+    std::vector<uint8_t> buffer(512);
+    struct Step {
+        const char* name;
+        enum { Open, Close } action;
+        bool handleValid;
+        TestResult read, flush;
+    };
+    const Step steps[] = {
+        {"close", Step::Close, false, TestResult::INTERNALERROR, TestResult::INTERNALERROR},
+        {"close again", Step::Close, false, TestResult::INTERNALERROR, TestResult::INTERNALERROR},
+        {"reopen", Step::Open, true, TestResult::PASS, TestResult::PASS},
+        {"open while open", Step::Open, true, TestResult::PASS, TestResult::PASS},
+    };
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.name);
+        EXPECT_EQ(step.action == Step::Open ? drive->OpenDevice() : drive->CloseDevice(),
+                  TestResult::PASS);
+        EXPECT_EQ(drive->GetHandle() != kivrlibdrive::invalidDriveHandle(), step.handleValid);
+        std::fill(buffer.begin(), buffer.end(), 0);
+        EXPECT_EQ(drive->ReadSectors(7, 1, buffer.data(), 512), step.read);
+        EXPECT_EQ(drive->VerifySectors(7, 1), step.read);
+        EXPECT_EQ(drive->FlushCache(), step.flush);
+        EXPECT_EQ(buffer == imageBytes(7 * 512, 512), step.read == TestResult::PASS);
+    }
+}
+
+TEST_F(BlockDeviceDriveTest, HandleClosedBehindTheDrivesBackEndsTheTest) {
+    ImageFile image("gone", kMiB);
+    const quel5::DiagDevice device = deviceFor(image);
+    std::string error;
+    std::unique_ptr<kivrlibdrive::Drive> drive = host::openBlockDrive(device, &error);
+    ASSERT_NE(drive, nullptr) << error;
+    os::closeNativeHandle(host::blockdevice::fromDriveHandle(drive->GetHandle()));
+    std::vector<uint8_t> buffer(512);
+    EXPECT_EQ(drive->ReadSectors(0, 1, buffer.data(), 512), TestResult::INTERNALERROR);
+    drive->CloseDevice();
+}
+
+}  // namespace

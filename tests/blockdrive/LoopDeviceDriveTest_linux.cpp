@@ -1,0 +1,155 @@
+// The block-device drive over real kernel block devices: loop devices over temporary images.
+// Needs root and losetup; skips otherwise.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "blockdrive/ImageFile.h"
+#include "host/BlockDeviceDrive.h"
+#include "support/RecordingHost.h"
+
+namespace {
+
+using blockdrivetest::ImageFile;
+using blockdrivetest::imageBytes;
+using quel5::TestResult;
+
+constexpr uint64_t kImageBytes = 8 * 1024 * 1024;
+
+// The command's standard output without the final newline, or "" when it failed.
+std::string run(const std::string& command) {
+    std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen((command + " 2>/dev/null").c_str(), "r"),
+                                               pclose);
+    if (!pipe) return {};
+    std::string out;
+    std::array<char, 256> chunk{};
+    while (fgets(chunk.data(), chunk.size(), pipe.get()) != nullptr) out += chunk.data();
+    if (pclose(pipe.release()) != 0) return {};
+    while (!out.empty() && out.back() == '\n') out.pop_back();
+    return out;
+}
+
+// A loop device over an image, detached at the end of the test.
+class LoopDevice {
+public:
+    LoopDevice(const ImageFile& image, const std::string& options)
+        : path_(run("losetup --find --show " + options + " " + image.pathText())) {}
+    ~LoopDevice() {
+        if (!path_.empty()) run("losetup -d " + path_);
+    }
+    LoopDevice(const LoopDevice&) = delete;
+    LoopDevice& operator=(const LoopDevice&) = delete;
+    const std::string& path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
+class LoopDeviceDriveTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (geteuid() != 0 || !std::filesystem::exists("/dev/loop-control") ||
+            run("losetup --version").empty()) {
+            GTEST_SKIP() << "needs root and losetup";
+        }
+    }
+    testsupport::RecordingHost host_;
+    testsupport::ScopedHost installed_{host_};
+};
+
+TEST_F(LoopDeviceDriveTest, GeometryAndDataComeFromTheKernelDevice) {
+    struct Case {
+        const char* options;
+        uint32_t bytesPerSector;
+        bool writeProtected;
+    };
+    const Case cases[] = {
+        {"--direct-io=on", 512, false},
+        {"--direct-io=on --sector-size 4096", 4096, false},
+        {"--read-only", 512, true},
+    };
+    ImageFile image("loop", kImageBytes);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.options);
+        LoopDevice loop(image, c.options);
+        ASSERT_FALSE(loop.path().empty()) << "losetup " << c.options;
+        quel5::DiagDevice device(QuelString(loop.path().c_str()));
+        // The kernel's sector size wins over what the device description says.
+        device.setProperty(L"BytesPerSector", quel5::Value(2048u));
+        host::BlockDeviceDrive drive(device);
+        ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
+        EXPECT_EQ(drive.GetBytesPerSector(), c.bytesPerSector);
+        EXPECT_EQ(drive.GetTotalSectors(), kImageBytes / c.bytesPerSector);
+        EXPECT_TRUE(drive.usesDirectIo());
+        EXPECT_EQ(drive.IsWriteProtected(), c.writeProtected);
+        const uint64_t last = drive.GetTotalSectors() - 1;
+        for (uint64_t sector : {uint64_t{0}, uint64_t{3}, last}) {
+            // One byte in: the drive must bounce through an aligned buffer.
+            std::vector<uint8_t> block(c.bytesPerSector + 1);
+            ASSERT_EQ(drive.ReadSectors(sector, 1, block.data() + 1, c.bytesPerSector),
+                      TestResult::PASS)
+                << drive.lastError();
+            EXPECT_EQ(std::vector<uint8_t>(block.begin() + 1, block.end()),
+                      imageBytes(sector * c.bytesPerSector, c.bytesPerSector))
+                << "sector " << sector;
+        }
+        std::vector<uint8_t> block(c.bytesPerSector);
+        EXPECT_EQ(drive.ReadSectors(last + 1, 1, block.data(), c.bytesPerSector),
+                  TestResult::FAIL);
+    }
+}
+
+TEST_F(LoopDeviceDriveTest, WriteUnderLockReachesTheBackingImage) {
+    ImageFile image("loopwrite", kImageBytes);
+    LoopDevice loop(image, "--direct-io=on");
+    ASSERT_FALSE(loop.path().empty());
+    quel5::DiagDevice device(QuelString(loop.path().c_str()));
+    host::BlockDeviceDrive drive(device);
+    ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
+    const std::vector<uint8_t> data(2 * 512, 0xC3);
+    EXPECT_EQ(drive.WriteSectors(9, 2, data.data(), 1024), TestResult::DEVICEBUSY);
+    ASSERT_EQ(drive.lock(), TestResult::PASS);
+    EXPECT_EQ(drive.WriteSectors(9, 2, data.data(), 1024), TestResult::PASS) << drive.lastError();
+    EXPECT_EQ(drive.FlushCache(), TestResult::PASS);
+    drive.unLock();
+    std::vector<uint8_t> expected = imageBytes(0, kImageBytes);
+    std::copy(data.begin(), data.end(), expected.begin() + 9 * 512);
+    EXPECT_EQ(image.contents(), expected);
+}
+
+TEST_F(LoopDeviceDriveTest, SectorsLostWhenTheDeviceShrinksFailWithoutEndingTheTest) {
+    ImageFile image("loopshrink", kImageBytes);
+    LoopDevice loop(image, "--direct-io=on");
+    ASSERT_FALSE(loop.path().empty());
+    quel5::DiagDevice device(QuelString(loop.path().c_str()));
+    host::BlockDeviceDrive drive(device);
+    ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
+    std::filesystem::resize_file(image.path(), kImageBytes / 2);
+    ASSERT_EQ(run("losetup -c " + loop.path() + " && echo ok"), "ok");
+    struct Case {
+        uint64_t sector;
+        TestResult expected;
+    };
+    const Case cases[] = {
+        {0, TestResult::PASS},
+        {kImageBytes / 2 / 512 - 1, TestResult::PASS},
+        {kImageBytes / 2 / 512, TestResult::FAIL},
+        {kImageBytes / 512 - 1, TestResult::FAIL},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.sector);
+        std::vector<uint8_t> block(512);
+        EXPECT_EQ(drive.ReadSectors(c.sector, 1, block.data(), 512), c.expected)
+            << drive.lastError();
+    }
+    EXPECT_EQ(drive.VerifySectors(0, 2048), TestResult::PASS);
+    EXPECT_EQ(drive.VerifySectors(8000, 400), TestResult::FAIL);
+}
+
+}  // namespace
