@@ -1,0 +1,194 @@
+// The Drive base: identity from the device's properties, locking through the storage library,
+// and the defaults a concrete drive inherits.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "kiv/Log.h"
+#include "libDrive/Drive.h"
+#include "sim/SimulatedDrive.h"
+#include "support/RecordingHost.h"
+
+namespace {
+
+using quel5::TestResult;
+
+// Only what Drive leaves pure, so that every inherited default is Drive's own.
+class BareDrive : public kivrlibdrive::Drive {
+public:
+    using Drive::Drive;
+    TestResult ReadSectors(const uint64_t&, unsigned, void*, unsigned) override { return fail(); }
+    TestResult WriteSectors(const uint64_t&, unsigned, const void*, unsigned) override {
+        return fail();
+    }
+    TestResult VerifySectors(const uint64_t&, unsigned) override { return fail(); }
+    TestResult FlushCache() override { return fail(); }
+    uint32_t GetSectorsPerTrack() override { return 0; }
+    uint32_t GetBytesPerSector() override { return 0; }
+    uint64_t GetTotalSectors() override { return 0; }
+    TestResult PrepareRead() override { return fail(); }
+    TestResult OpenDevice() override { return fail(); }
+    TestResult CloseDevice() override { return fail(); }
+    bool IsWriteProtected() override { return true; }
+    void* GetHandle() override { return kivrlibdrive::invalidDriveHandle(); }
+    bool NeedsMediaCheck() override { return false; }
+    TestResult CheckMedia(bool) override { return fail(); }
+    bool IsRerunAllowed() override { return false; }
+    bool ConfirmRerun() override { return false; }
+
+    const kiv::String& locator() const { return osLocator; }
+    const _SCSI_PATH& address() const { return scsiPath; }
+
+private:
+    static TestResult fail() { return TestResult::FAIL; }
+};
+
+struct DeviceShape {
+    const char* name;
+    std::optional<std::string> driverName;
+    std::optional<std::string> driveLetter;
+    std::optional<std::vector<uint32_t>> scsiPath;
+    std::string expectedPath;
+    _SCSI_PATH expectedAddress;
+};
+
+TEST(DriveBase, IdentityComesFromTheDeviceProperties) {
+    const DeviceShape shapes[] = {
+        {"nothing", {}, {}, {}, "", {0, 0, 0, 0}},
+        {"driver name wins", "X", "C", {}, "X", {0, 0, 0, 0}},
+        {"letter only", {}, "C", {}, "\\\\.\\C:", {0, 0, 0, 0}},
+        {"empty letter", {}, "", {}, "\\\\.\\:", {0, 0, 0, 0}},
+        {"full address", {}, {}, std::vector<uint32_t>{1, 2, 3, 4}, "", {1, 2, 3, 4}},
+        {"two numbers fill port and path", {}, {}, std::vector<uint32_t>{5, 6}, "", {5, 6, 0, 0}},
+        {"numbers cut to 8 bits",
+         {},
+         {},
+         std::vector<uint32_t>{0x1FF, 256, 0xAB12, 7},
+         "",
+         {0xFF, 0, 0x12, 7}},
+        {"extra numbers ignored",
+         "\\\\.\\PhysicalDrive1",
+         {},
+         std::vector<uint32_t>{9, 8, 7, 6, 5},
+         "\\\\.\\PhysicalDrive1",
+         {9, 8, 7, 6}},
+        {"empty array", {}, {}, std::vector<uint32_t>{}, "", {0, 0, 0, 0}},
+    };
+    for (const DeviceShape& shape : shapes) {
+        SCOPED_TRACE(shape.name);
+        quel5::DiagDevice device(L"sim:shape");
+        if (shape.driverName)
+            device.setText(L"DriverName", kiv::String::fromUtf8(*shape.driverName));
+        if (shape.driveLetter) {
+            device.setText(L"DriveLetter", kiv::String::fromUtf8(*shape.driveLetter));
+        }
+        if (shape.scsiPath) device.setUint32Array(L"SCSIPath", *shape.scsiPath);
+
+        const BareDrive drive(device);
+
+        EXPECT_EQ(drive.GetDriveLetter().toUtf8(), shape.expectedPath);
+        EXPECT_EQ(drive.locator().toUtf8(), "sim:shape");
+        EXPECT_EQ(drive.address().port, shape.expectedAddress.port);
+        EXPECT_EQ(drive.address().path, shape.expectedAddress.path);
+        EXPECT_EQ(drive.address().target, shape.expectedAddress.target);
+        EXPECT_EQ(drive.address().lun, shape.expectedAddress.lun);
+    }
+}
+
+TEST(DriveBase, DefaultsOfTheOptionalOperations) {
+    const quel5::DiagDevice device(L"sim:defaults");
+    BareDrive drive(device);
+    kiv::Array<unsigned char> buffer(16, 0xEE);
+    unsigned int size = 123;
+
+    EXPECT_FALSE(drive.CheckForQualifiedMedia());
+    EXPECT_TRUE(drive.MediaQualified());
+    EXPECT_EQ(drive.PromptUserOnUnqualifiedMedia(), TestResult::INCORRECTMEDIA);
+    EXPECT_EQ(drive.GetPASSResult(), TestResult::PASS);
+    EXPECT_FALSE(drive.provideEstimatedTime());
+    EXPECT_EQ(drive.GetOptimalReadAmount(), 0u);
+    EXPECT_EQ(drive.CheckSumOpenFile(), TestResult::INTERNALERROR);
+    EXPECT_EQ(drive.CheckSumCloseFile(), TestResult::INTERNALERROR);
+    EXPECT_EQ(drive.ComputeCheckSum(100), TestResult::INTERNALERROR);
+    EXPECT_EQ(drive.GetCheckSumFileSize(size), TestResult::INTERNALERROR);
+    EXPECT_EQ(size, 123u);
+    EXPECT_EQ(drive.CheckSumReadBytes(buffer, 16), 0u);
+    EXPECT_EQ(drive.unLock(), TestResult::PASS);
+}
+
+void expectDeviceBusyRaisedOnce(const testsupport::RecordingHost& host) {
+    const auto events = host.events();
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(events[0].key, "DeviceBusy");
+    EXPECT_EQ(events[0].severity, quel5::Severity::ERROR);
+    EXPECT_EQ(events[0].source, "libDrive/Drive");
+    EXPECT_GT(events[0].line, 0);
+}
+
+TEST(DriveBase, RefusedLockRaisesDeviceBusyAsAnError) {
+    testsupport::RecordingHost host;
+    testsupport::ScopedHost installed(host);
+    const quel5::DiagDevice device(L"sim:busy");
+    sim::SimulatedDriveConfig config;
+    config.totalSectors = 100;
+    sim::SimulatedDrive drive(device, config);
+
+    EXPECT_EQ(drive.lock(), TestResult::PASS);
+    EXPECT_TRUE(host.events().empty());
+
+    drive.switches().lockFails = true;
+    EXPECT_EQ(drive.lock(), TestResult::DEVICEBUSY);
+    expectDeviceBusyRaisedOnce(host);
+}
+
+TEST(DriveBase, VolumeLocksAreExclusiveUntilUnlocked) {
+    const auto image = std::filesystem::temp_directory_path() / "libdrive_drive_lock.img";
+    std::ofstream(image, std::ios::binary) << std::string(4096, '\0');
+    testsupport::RecordingHost host;
+    testsupport::ScopedHost installed(host);
+    const quel5::DiagDevice device(kiv::String(image.wstring()));
+    BareDrive first(device);
+    BareDrive second(device);
+
+    if (first.lock() != TestResult::PASS) {
+        std::filesystem::remove(image);
+        GTEST_SKIP() << "image files cannot be locked here";
+    }
+    EXPECT_EQ(second.lock(), TestResult::DEVICEBUSY);
+    expectDeviceBusyRaisedOnce(host);
+    EXPECT_EQ(first.unLock(), TestResult::PASS);
+    EXPECT_EQ(second.lock(), TestResult::PASS);
+    EXPECT_EQ(second.unLock(), TestResult::PASS);
+    EXPECT_EQ(host.events().size(), 1u);
+    std::filesystem::remove(image);
+}
+
+TEST(DriveBase, SeekToSectorIsNotSupportedAndSaysSoInTheLog) {
+    kiv::MemorySink sink;
+    kiv::LogFactory::addSink(std::make_unique<kiv::MemorySink>(sink));
+    const quel5::DiagDevice device(L"sim:seek");
+    BareDrive drive(device);
+
+    for (uint64_t sector : {uint64_t{0}, uint64_t{1} << 40}) {
+        EXPECT_EQ(drive.SeekToSector(sector), TestResult::NOTSUPPORTED);
+    }
+    kiv::LogFactory::removeAllSinks();
+
+    std::vector<kiv::LogRecord> notices;
+    for (const kiv::LogRecord& record : sink.records()) {
+        if (record.logger.toUtf8() == "libDrive.Drive") notices.push_back(record);
+    }
+    ASSERT_EQ(notices.size(), 2u);
+    const std::regex expected(R"(^[1-9][0-9]* SeekToSector\(\) has not been implemented\.$)");
+    for (const kiv::LogRecord& record : notices) {
+        EXPECT_EQ(record.priority, 5);
+        EXPECT_TRUE(std::regex_match(record.message.toUtf8(), expected)) << record.message.toUtf8();
+    }
+}
+
+}  // namespace
