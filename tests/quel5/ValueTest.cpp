@@ -42,6 +42,8 @@ TEST(ValueTest, ReadersConvertBetweenKinds) {
         {"text with blanks", Value(L" 42 "), DataType::Kind::STRING, 42, 42, 42.0, true, " 42 "},
         {"wide text past 32 bits", Value(L"4294967296"), DataType::Kind::STRING, 0, 4294967296ull,
          4294967296.0, true, "4294967296"},
+        {"negative text", Value("-1"), DataType::Kind::STRING, 4294967295u,
+         18446744073709551615ull, -1.0, true, "-1"},
         {"decimal text", Value("12.7"), DataType::Kind::STRING, 12, 12, 12.7, true, "12.7"},
         {"word text", Value("abc"), DataType::Kind::STRING, 0, 0, 0.0, false, "abc"},
         {"true text", Value("TRUE"), DataType::Kind::STRING, 0, 0, 0.0, true, "TRUE"},
