@@ -31,13 +31,17 @@ std::string testNames() {
     return names;
 }
 
-// The framework host, the Ctrl-C handler and the library's registration, for one run.
+// The library is registered once per process, before the first drive or test exists.
+void registerLibraryOnce() {
+    static const bool registered = (kivrlibdrive::initLibDrive(), true);
+    (void)registered;
+}
+
+// The framework host and the Ctrl-C handler, for one run.
 class RunScope {
 public:
     explicit RunScope(ConsoleHost& host) {
         quel5::installHost(&host);
-        static const bool registered = (kivrlibdrive::initLibDrive(), true);
-        (void)registered;
         clearStopRequest();
         installInterruptHandler();
     }
@@ -57,6 +61,7 @@ int runTest(const CommandLine& line, const Console& console) {
     if (!applyParameters(*test, line.sets, &parameters, &error)) return usageError(console, error);
     LogSession log;
     if (!log.start(line.logFile, line.logLevel, &error)) return usageError(console, error);
+    registerLibraryOnce();
     const std::string deviceText = line.device.value_or(kBuiltInDevice);
     OpenResult opened = openDrive(deviceText);
     if (opened.failure == OpenFailure::BadText) return usageError(console, opened.error);

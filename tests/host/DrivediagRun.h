@@ -1,0 +1,37 @@
+// Running drivediag in-process for the end-to-end tests, with its output captured.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace hosttest {
+
+struct RunOutput {
+    int exitCode = 0;
+    std::string out;
+    std::string err;
+    std::vector<std::string> lines;  // out split at '\n'
+
+    // The first line containing every one of `parts`, or "" when there is none.
+    std::string lineWith(const std::vector<std::string>& parts) const;
+    std::size_t countLinesWith(const std::string& part) const;
+};
+
+// Runs drivediag with `args` as if from a pipe (no terminal).
+RunOutput runDrivediag(const std::vector<std::string>& args);
+
+// A file in the temporary directory, removed at the end of the test.
+class TempImage {
+public:
+    // A new image file of `bytes` zero bytes.
+    explicit TempImage(std::size_t bytes);
+    ~TempImage();
+    TempImage(const TempImage&) = delete;
+    TempImage& operator=(const TempImage&) = delete;
+    const std::string& path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
+}  // namespace hosttest

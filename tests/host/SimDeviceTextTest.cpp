@@ -1,0 +1,126 @@
+#include <gtest/gtest.h>
+
+#include "host/SimDeviceText.h"
+
+namespace {
+
+using host::SectorSpan;
+using host::SimDeviceSpec;
+
+SimDeviceSpec spec(uint64_t sectors, uint32_t sectorSize = 512) {
+    SimDeviceSpec s;
+    s.totalSectors = sectors;
+    s.bytesPerSector = sectorSize;
+    return s;
+}
+
+TEST(SimDeviceTextTest, ValidTexts) {
+    const auto withBad = [](SimDeviceSpec s, std::vector<SectorSpan> bad) {
+        s.bad = std::move(bad);
+        return s;
+    };
+    SimDeviceSpec everything = spec(1000, 4096);
+    everything.bad = {{10, 1}, {20, 5}};
+    everything.flaky = {7, 8};
+    everything.internal = {999};
+    everything.costMs = 60000;
+    SimDeviceSpec lastSectorBad = spec(100);
+    lastSectorBad.bad = {{95, 5}};
+
+    const struct {
+        const char* text;
+        SimDeviceSpec expected;
+    } cases[] = {
+        {"sim:1GiB", spec(2097152)},
+        {"sim:1gib", spec(2097152)},
+        {"sim:1G", spec(2097152)},
+        {"sim:1GB", spec(2097152)},
+        {"sim:1MiB", spec(2048)},
+        {"sim:64K", spec(128)},
+        {"sim:2TiB", spec(4294967296ull)},
+        {"sim:1048576", spec(2048)},
+        {"sim:1048576b", spec(2048)},
+        // Bytes round down to whole sectors.
+        {"sim:1023", spec(1)},
+        {"sim:1000s", spec(1000)},
+        {"sim:1MiB,sector=4096", spec(256)},
+        {"sim:1s,sector=65536", spec(1, 65536)},
+        {"sim:1MiB,bad=1000", withBad(spec(2048), {{1000, 1}})},
+        {"sim:1MiB,bad=1000+5", withBad(spec(2048), {{1000, 5}})},
+        {"sim:1000s,bad=10,bad=20+5,flaky=7,flaky=8,internal=999,sector=4096,cost=60000",
+         everything},
+        {"sim:100s,bad=95+5", lastSectorBad},
+        // A span may be as long as the limit when the drive holds it.
+        {"sim:1000000s,bad=0+1000000", withBad(spec(1000000), {{0, 1000000}})},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        std::string error;
+        const auto parsed = host::parseSimDeviceText(c.text, &error);
+        ASSERT_TRUE(parsed.has_value()) << error;
+        EXPECT_EQ(*parsed, c.expected);
+    }
+}
+
+TEST(SimDeviceTextTest, InvalidTextsSayWhatIsWrong) {
+    const struct {
+        const char* text;
+        const char* errorMentions;
+    } cases[] = {
+        {"sim:", "is not a size"},
+        {"sim:abc", "is not a size"},
+        {"sim:1XB", "is not a size"},
+        {"sim:-1", "is not a size"},
+        {"sim:1.5GiB", "is not a size"},
+        {"sim:99999999999999999999", "is not a size"},
+        {"sim:16777216TiB", "is not a size"},
+        {"sim:0", "at least one sector"},
+        {"sim:511", "at least one sector"},
+        {"sim:1MiB,", "not an option=value pair"},
+        {"sim:1MiB,bad", "not an option=value pair"},
+        {"sim:1MiB,speed=3", "unknown option \"speed\""},
+        {"sim:1MiB,sector=1000", "power of two"},
+        {"sim:1MiB,sector=256", "power of two"},
+        {"sim:1MiB,sector=131072", "power of two"},
+        {"sim:1MiB,sector=512,sector=512", "sector= is given twice"},
+        {"sim:1MiB,cost=60001", "up to 60000"},
+        {"sim:1MiB,cost=x", "up to 60000"},
+        {"sim:1MiB,cost=1,cost=2", "cost= is given twice"},
+        {"sim:1MiB,bad=", "expected LBA or LBA+COUNT"},
+        {"sim:1MiB,bad=5+", "expected LBA or LBA+COUNT"},
+        {"sim:1MiB,bad=+5", "expected LBA or LBA+COUNT"},
+        {"sim:1MiB,bad=5+0", "COUNT must be from 1 to 1000000"},
+        {"sim:1MiB,bad=5+1000001", "COUNT must be from 1 to 1000000"},
+        // Sector 2048 is the first one past a 1 MiB drive of 512-byte sectors.
+        {"sim:1MiB,bad=2048", "sector 2048 lies beyond the drive's 2048 sectors"},
+        {"sim:1MiB,bad=2040+9", "sector 2048 lies beyond"},
+        {"sim:1MiB,flaky=2048", "sector 2048 lies beyond"},
+        {"sim:1MiB,internal=2048", "sector 2048 lies beyond"},
+        {"sim:1MiB,sector=4096,bad=256", "sector 256 lies beyond the drive's 256 sectors"},
+        {"sim:1MiB,flaky=x", "expected a sector number"},
+        {"simx:1MiB", "sim:SIZE"},
+        {"/dev/sdb", "sim:SIZE"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        std::string error;
+        EXPECT_FALSE(host::parseSimDeviceText(c.text, &error).has_value());
+        EXPECT_NE(error.find(c.errorMentions), std::string::npos) << error;
+    }
+}
+
+TEST(SimDeviceTextTest, OnlyTheSimPrefixMakesASimulatedDrive) {
+    const struct {
+        const char* text;
+        bool simulated;
+    } cases[] = {
+        {"sim:1MiB", true}, {"sim:", true},      {"SIM:1MiB", false},
+        {"sim", false},     {"/dev/sim:1", false}, {"", false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.text);
+        EXPECT_EQ(host::isSimDeviceText(c.text), c.simulated);
+    }
+}
+
+}  // namespace
