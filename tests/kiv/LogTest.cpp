@@ -128,7 +128,8 @@ TEST_F(LogTest, AssertionFailureGoesToTheDefectLoggerAtNotice) {
     ASSERT_EQ(records.size(), 1u);
     EXPECT_EQ(records[0].logger.str(), L"DEFECT.GENERIC");
     EXPECT_EQ(records[0].priority, 5);
-    EXPECT_EQ(records[0].message.str(), L"212 Assertion failed: elapsed >= 0 (libDrive/RandomSeekTest)");
+    EXPECT_EQ(records[0].message.str(),
+              L"212 Assertion failed: elapsed >= 0 (libDrive/RandomSeekTest)");
     EXPECT_EQ(kiv::AssertionFailure::defectLogger(),
               LogFactory::createLogger(L"DEFECT.GENERIC", nullptr));
 }
@@ -143,10 +144,11 @@ TEST_F(LogTest, FileSinkAppendsOneLinePerRecord) {
     logger->log(4, L"1154 Disc ID has an invalid regex pattern\n");
     LogFactory::removeAllSinks();  // closes the file
     os::installClock(nullptr);
-    EXPECT_EQ(file.contents(),
-              "earlier\n"
-              "1971-01-01 01:02:03.004 P4 libDrive.Range: 193  EndRange is less than the start range\n"
-              "1971-01-01 01:02:03.004 P4 libDrive.Range: 1154 Disc ID has an invalid regex pattern\n");
+    EXPECT_EQ(
+        file.contents(),
+        "earlier\n"
+        "1971-01-01 01:02:03.004 P4 libDrive.Range: 193  EndRange is less than the start range\n"
+        "1971-01-01 01:02:03.004 P4 libDrive.Range: 1154 Disc ID has an invalid regex pattern\n");
 }
 
 TEST_F(LogTest, FileSinkOnAnUnwritablePathThrows) {
@@ -154,7 +156,8 @@ TEST_F(LogTest, FileSinkOnAnUnwritablePathThrows) {
 }
 
 TEST_F(LogTest, WorkerThreadsMayLogConcurrently) {
-    kiv::Logger* logger = LogFactory::createLogger(L"libDrive.Windows.WindowsOpticalDrive", nullptr);
+    kiv::Logger* logger =
+        LogFactory::createLogger(L"libDrive.Windows.WindowsOpticalDrive", nullptr);
     const auto work = [logger] {
         for (int i = 0; i < 200; ++i) logger->log(4, L"line");
     };

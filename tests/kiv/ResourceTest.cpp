@@ -96,7 +96,8 @@ TEST_F(ResourceTest, GetSettingLeavesTheOutputAloneWhenAbsent) {
 }
 
 TEST_F(ResourceTest, SettingsFileIsLoadedAndAMissingOneReported) {
-    const kivtest::TempFile file("settings", "# host settings\r\nlibDrive.ReRunTestOnFailureCount.value = 2\r\n");
+    const kivtest::TempFile file(
+        "settings", "# host settings\r\nlibDrive.ReRunTestOnFailureCount.value = 2\r\n");
     String error;
     ASSERT_TRUE(Resource::loadSettingsFile(file.path(), &error)) << error.toUtf8();
     EXPECT_EQ(lookUp(kLibrary, kRerunKey).str(), L"2");

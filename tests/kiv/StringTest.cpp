@@ -20,17 +20,13 @@ TEST(StringTest, TrimRemovesOnlyOuterBlanks) {
         const wchar_t* text;
         const wchar_t* expected;
     } cases[] = {
-        {L"", L""},
-        {L"   ", L""},
-        {L"a", L"a"},
-        {L" a", L"a"},
-        {L"a ", L"a"},
-        {L"\t\r\n a b \n\r\t", L"a b"},
-        {L"x  y", L"x  y"},
-        {L"\vz", L"\vz"},  // vertical tab is not one of the blanks
+        {L"", L""},         {L"   ", L""},    {L"a", L"a"},
+        {L" a", L"a"},      {L"a ", L"a"},    {L"\t\r\n a b \n\r\t", L"a b"},
+        {L"x  y", L"x  y"}, {L"\vz", L"\vz"},  // vertical tab is not one of the blanks
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(String(c.text).trim().str(), c.expected) << "text: '" << String(c.text).toUtf8() << "'";
+        EXPECT_EQ(String(c.text).trim().str(), c.expected)
+            << "text: '" << String(c.text).toUtf8() << "'";
     }
 }
 
@@ -46,7 +42,9 @@ TEST(StringTest, TokenizeSplitsAtAnyDelimiterAndDropsEmptyTokens) {
         {L",,,", L",", {}},
         {L"", L",", {}},
         {L"97:26:66", L":", {L"97", L"26", L"66"}},
-        {L"\\systemroot\\system32\\drivers\\x.sys", L"", {L"\\systemroot\\system32\\drivers\\x.sys"}},
+        {L"\\systemroot\\system32\\drivers\\x.sys",
+         L"",
+         {L"\\systemroot\\system32\\drivers\\x.sys"}},
         {L" keep  blanks ", L"", {L" keep  blanks "}},
         {L"", L"", {}},
     };
@@ -80,7 +78,8 @@ TEST(StringTest, ToUnsignedAcceptsOnlyWholeDecimalNumbersThatFit) {
     for (const auto& c : cases) {
         uint64_t out = 4242;
         EXPECT_EQ(String(c.text).toUnsigned(out), c.ok) << String(c.text).toUtf8();
-        EXPECT_EQ(out, c.ok ? c.value : 4242u) << "untouched on failure: " << String(c.text).toUtf8();
+        EXPECT_EQ(out, c.ok ? c.value : 4242u)
+            << "untouched on failure: " << String(c.text).toUtf8();
     }
 }
 
@@ -106,11 +105,11 @@ TEST(StringTest, Utf8RoundTripKeepsEveryCharacter) {
     const char* samples[] = {
         "",
         "plain ASCII",
-        "caf\xC3\xA9",                          // U+00E9
-        "\xE2\x82\xAC 100",                     // U+20AC
-        "\xF0\x9F\x92\xBF disc",                // U+1F4BF, outside the BMP
-        "\xF4\x8F\xBF\xBF",                     // U+10FFFF, the last code point
-        "a\xF0\x90\x80\x80z",                   // U+10000, the first one past the BMP
+        "caf\xC3\xA9",            // U+00E9
+        "\xE2\x82\xAC 100",       // U+20AC
+        "\xF0\x9F\x92\xBF disc",  // U+1F4BF, outside the BMP
+        "\xF4\x8F\xBF\xBF",       // U+10FFFF, the last code point
+        "a\xF0\x90\x80\x80z",     // U+10000, the first one past the BMP
     };
     for (const char* sample : samples) {
         const String wide = String::fromUtf8(sample);

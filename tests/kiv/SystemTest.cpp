@@ -14,7 +14,7 @@ TEST(SystemTest, TimeFollowsTheInstalledVirtualClock) {
         uint32_t milliseconds;
     } steps[] = {
         {0, 1600000000, 999},
-        {1, 1600000001, 0},      // the millisecond carry into the next second
+        {1, 1600000001, 0},  // the millisecond carry into the next second
         {999, 1600000001, 999},
         {75000, 1600000076, 999},
     };

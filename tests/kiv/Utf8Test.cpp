@@ -32,11 +32,13 @@ TEST(Utf8Test, MalformedInputBecomesReplacementCharacters) {
         const char* utf8;
         std::u32string expected;
     } cases[] = {
-        {"\x80", U"\uFFFD"},                            // continuation without a lead
-        {"\xC3", U"\uFFFD"},                            // truncated at the end
-        {"\xC3" "A", U"\uFFFDA"},                       // lead then a plain byte
-        {"\xC0\xAF", U"\uFFFD\uFFFD"},                  // overlong "/"
-        {"\xED\xA0\x80", U"\uFFFD\uFFFD\uFFFD"},        // an encoded surrogate
+        {"\x80", U"\uFFFD"},  // continuation without a lead
+        {"\xC3", U"\uFFFD"},  // truncated at the end
+        {"\xC3"
+         "A",
+         U"\uFFFDA"},                                       // lead then a plain byte
+        {"\xC0\xAF", U"\uFFFD\uFFFD"},                      // overlong "/"
+        {"\xED\xA0\x80", U"\uFFFD\uFFFD\uFFFD"},            // an encoded surrogate
         {"\xF4\x90\x80\x80", U"\uFFFD\uFFFD\uFFFD\uFFFD"},  // above U+10FFFF
         {"\xF8\x88\x80\x80\x80", U"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD"},
     };
@@ -45,8 +47,12 @@ TEST(Utf8Test, MalformedInputBecomesReplacementCharacters) {
 
 TEST(Utf8Test, LoneSurrogatesAreNotPassedThrough) {
     EXPECT_EQ(fromUtf16(std::u16string{0xD800}), "\xEF\xBF\xBD");
-    EXPECT_EQ(fromUtf16(std::u16string{0xDC00, u'A'}), "\xEF\xBF\xBD" "A");
-    EXPECT_EQ(fromUtf16(std::u16string{0xD800, u'A'}), "\xEF\xBF\xBD" "A");
+    EXPECT_EQ(fromUtf16(std::u16string{0xDC00, u'A'}),
+              "\xEF\xBF\xBD"
+              "A");
+    EXPECT_EQ(fromUtf16(std::u16string{0xD800, u'A'}),
+              "\xEF\xBF\xBD"
+              "A");
     EXPECT_EQ(fromUtf32(std::u32string{0x110000}), "\xEF\xBF\xBD");
 }
 

@@ -20,7 +20,8 @@ CString::CString(const char* text) : bytes_(text ? text : "") {}
 
 CString::CString(std::string bytes) : bytes_(std::move(bytes)) {}
 
-CString::CString(const char* data, std::size_t size) : bytes_(data ? std::string(data, size) : "") {}
+CString::CString(const char* data, std::size_t size)
+    : bytes_(data ? std::string(data, size) : "") {}
 
 String CString::toString() const { return String::fromUtf8(bytes_); }
 

@@ -47,15 +47,14 @@ TraceLogger::TraceLogger(const Logger* logger, const String& function, const Str
                          int line)
     : logger_(logger), function_(function), line_(line) {
     if (logger_) {
-        logger_->log(1, String::fromSignedNumber(line_) +
-                            L" Entering " + function_ + L" (" + source + L")");
+        logger_->log(
+            1, String::fromSignedNumber(line_) + L" Entering " + function_ + L" (" + source + L")");
     }
 }
 
 TraceLogger::~TraceLogger() {
     if (logger_) {
-        logger_->log(1, String::fromSignedNumber(line_) +
-                            L" Leaving " + function_);
+        logger_->log(1, String::fromSignedNumber(line_) + L" Leaving " + function_);
     }
 }
 
@@ -65,8 +64,8 @@ Logger* AssertionFailure::defectLogger() {
 }
 
 void AssertionFailure::logAssert(const String& file, int line, const String& text) {
-    defectLogger()->log(5, String::fromSignedNumber(line) + L" Assertion failed: " + text +
-                               L" (" + file + L")");
+    defectLogger()->log(
+        5, String::fromSignedNumber(line) + L" Assertion failed: " + text + L" (" + file + L")");
 }
 
 }  // namespace kiv

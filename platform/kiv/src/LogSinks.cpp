@@ -2,8 +2,8 @@
 #include <mutex>
 
 #include "LogRegistry.h"
-#include "kiv/Exception.h"
 #include "PlatformFile.h"
+#include "kiv/Exception.h"
 #include "kiv/Log.h"
 
 namespace kiv {

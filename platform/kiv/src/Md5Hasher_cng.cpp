@@ -20,7 +20,8 @@ bool succeeded(NTSTATUS status) { return status >= 0; }
 
 Md5Hasher::Md5Hasher() : impl_(std::make_unique<Impl>()) {
     impl_->ok =
-        succeeded(BCryptOpenAlgorithmProvider(&impl_->algorithm, BCRYPT_MD5_ALGORITHM, nullptr, 0)) &&
+        succeeded(
+            BCryptOpenAlgorithmProvider(&impl_->algorithm, BCRYPT_MD5_ALGORITHM, nullptr, 0)) &&
         succeeded(BCryptCreateHash(impl_->algorithm, &impl_->hash, nullptr, 0, nullptr, 0, 0));
 }
 
@@ -44,8 +45,8 @@ bool Md5Hasher::update(const void* data, std::size_t size) {
 
 bool Md5Hasher::finish(std::array<uint8_t, 16>& digest) {
     if (impl_->ok) {
-        impl_->ok = succeeded(BCryptFinishHash(impl_->hash, digest.data(),
-                                               static_cast<ULONG>(digest.size()), 0));
+        impl_->ok = succeeded(
+            BCryptFinishHash(impl_->hash, digest.data(), static_cast<ULONG>(digest.size()), 0));
     }
     return impl_->ok;
 }

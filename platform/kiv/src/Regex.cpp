@@ -57,8 +57,6 @@ bool Matcher::find() {
 
 String Matcher::getGroup(std::size_t n) const { return n < groups_.size() ? groups_[n] : String(); }
 
-std::size_t Matcher::groupCount() const {
-    return program_ ? program_->expression.mark_count() : 0;
-}
+std::size_t Matcher::groupCount() const { return program_ ? program_->expression.mark_count() : 0; }
 
 }  // namespace kiv

@@ -110,8 +110,8 @@ std::string fromUtf16(std::u16string_view utf16) {
         const char16_t unit = utf16[i];
         const bool high = unit >= 0xD800 && unit <= 0xDBFF;
         if (high && i + 1 < utf16.size() && utf16[i + 1] >= 0xDC00 && utf16[i + 1] <= 0xDFFF) {
-            const char32_t c = 0x10000 + ((char32_t(unit) - 0xD800) << 10) +
-                               (char32_t(utf16[i + 1]) - 0xDC00);
+            const char32_t c =
+                0x10000 + ((char32_t(unit) - 0xD800) << 10) + (char32_t(utf16[i + 1]) - 0xDC00);
             encodeOne(c, out);
             ++i;
         } else {

@@ -133,10 +133,12 @@ bool WindowsRegistry::getExpandedStringValue(const String& keyPath, const String
     String raw;
     if (!lookUpTable(tableKey(keyPath, valueName), raw)) {
         const KeyPath parsed = parseKeyPath(keyPath);
-        switch (kiv::platform::readRegistryValue(parsed.root, parsed.subKey, valueName, true,
-                                                 raw)) {
-            case RegistryAnswer::Found: break;
-            case RegistryAnswer::Missing: return false;
+        switch (
+            kiv::platform::readRegistryValue(parsed.root, parsed.subKey, valueName, true, raw)) {
+            case RegistryAnswer::Found:
+                break;
+            case RegistryAnswer::Missing:
+                return false;
             case RegistryAnswer::NotString:
                 throw WindowsRegistryException(L"The value " + valueName + L" of " + keyPath +
                                                L" is not a string");

@@ -14,8 +14,8 @@ class String;
 class KIV_API CString {
 public:
     CString() = default;
-    CString(const char* text);  // NOLINT: nullptr gives ""
-    CString(std::string bytes);  // NOLINT
+    CString(const char* text);                    // NOLINT: nullptr gives ""
+    CString(std::string bytes);                   // NOLINT
     CString(const char* data, std::size_t size);  // `size` bytes, zeros included
 
     const std::string& str() const { return bytes_; }

@@ -40,8 +40,8 @@ public:
     static bool getSetting(const String& library, const String& key, const KIVLocale& locale,
                            String& value);
     // The setting's value, or `fallback` when it does not exist.
-    static String getSettingOr(const String& library, const String& key,
-                               const KIVLocale& locale, const String& fallback);
+    static String getSettingOr(const String& library, const String& key, const KIVLocale& locale,
+                               const String& fallback);
 };
 
 }  // namespace kiv

@@ -44,7 +44,9 @@ public:
     bool startsWith(const String& prefix) const;
     // Position of the first occurrence at or after `from`, or npos.
     std::size_t find(const String& part, std::size_t from = 0) const;
-    static constexpr std::size_t npos = std::wstring::npos;
+    // An enumerator rather than a static data member: a data member of an exported class would
+    // have to be imported from the DLL wherever it is bound to a reference.
+    enum : std::size_t { npos = std::wstring::npos };
 
     // Splits at any character of `delimiters`, dropping empty tokens. An empty delimiter set
     // yields one token holding the whole text (none when the text is empty).
