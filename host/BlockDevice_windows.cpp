@@ -63,7 +63,6 @@ bool isDeviceGone(uint32_t errorCode) {
         case ERROR_DEVICE_NOT_CONNECTED:
         case ERROR_DEVICE_REMOVED:
         case ERROR_DEV_NOT_EXIST:
-        case ERROR_NO_SUCH_DEVICE:
         case ERROR_NOT_READY:
         case ERROR_NO_MEDIA_IN_DRIVE:
             return true;
