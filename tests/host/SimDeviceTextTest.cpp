@@ -2,6 +2,20 @@
 
 #include "host/SimDeviceText.h"
 
+namespace host {
+
+void PrintTo(const SimDeviceSpec& spec, std::ostream* os) {
+    *os << spec.totalSectors << " sectors of " << spec.bytesPerSector << " bytes, bad";
+    for (const SectorSpan& span : spec.bad) *os << " " << span.first << "+" << span.count;
+    *os << ", flaky";
+    for (uint64_t sector : spec.flaky) *os << " " << sector;
+    *os << ", internal";
+    for (uint64_t sector : spec.internal) *os << " " << sector;
+    *os << ", cost " << spec.costMs;
+}
+
+}  // namespace host
+
 namespace {
 
 using host::SectorSpan;
@@ -43,7 +57,7 @@ TEST(SimDeviceTextTest, ValidTexts) {
         // Bytes round down to whole sectors.
         {"sim:1023", spec(1)},
         {"sim:1000s", spec(1000)},
-        {"sim:1MiB,sector=4096", spec(256)},
+        {"sim:1MiB,sector=4096", spec(256, 4096)},
         {"sim:1s,sector=65536", spec(1, 65536)},
         {"sim:1MiB,bad=1000", withBad(spec(2048), {{1000, 1}})},
         {"sim:1MiB,bad=1000+5", withBad(spec(2048), {{1000, 5}})},
