@@ -19,11 +19,7 @@ TEST(Device, RegularFilesAnswerWith512ByteSectorsAndTheirSize) {
     };
     constexpr uint64_t kCylinder = 255ULL * 63 * 512;
     const Case cases[] = {
-        {0, 0},
-        {512, 0},
-        {kCylinder - 512, 0},
-        {kCylinder, 1},
-        {3 * kCylinder + 100, 3},
+        {0, 0}, {512, 0}, {kCylinder - 512, 0}, {kCylinder, 1}, {3 * kCylinder + 100, 3},
     };
     for (const Case& c : cases) {
         TempFile file(c.size);
@@ -58,9 +54,8 @@ TEST(Device, ReadsAndWritesAtOffsetsUpToTheEnd) {
         char first;  // the first byte read, when any
     };
     const Case cases[] = {
-        {0, 10, 10, 0},        {899, 2, 2, 0},  {900, 100, 100, 1},
-        {950, 100, 50, 51},    {999, 1, 1, 100}, {1000, 10, 0, 0},
-        {5000, 10, 0, 0},
+        {0, 10, 10, 0},   {899, 2, 2, 0},   {900, 100, 100, 1}, {950, 100, 50, 51},
+        {999, 1, 1, 100}, {1000, 10, 0, 0}, {5000, 10, 0, 0},
     };
     for (const Case& c : cases) {
         std::vector<char> buffer(c.size, 'x');
@@ -69,9 +64,8 @@ TEST(Device, ReadsAndWritesAtOffsetsUpToTheEnd) {
         EXPECT_EQ(got.bytes, c.bytes) << "at " << c.offset;
         if (c.bytes > 0) {
             EXPECT_EQ(buffer[0], c.first) << "at " << c.offset;
-            EXPECT_EQ(buffer[c.bytes - 1], c.offset + c.bytes <= 900
-                                               ? 0
-                                               : static_cast<char>(c.offset + c.bytes - 900))
+            EXPECT_EQ(buffer[c.bytes - 1],
+                      c.offset + c.bytes <= 900 ? 0 : static_cast<char>(c.offset + c.bytes - 900))
                 << "at " << c.offset;
         }
         if (c.bytes < c.size) {

@@ -120,7 +120,8 @@ TEST_F(EmulatedDeviceTest, EveryWayOfClosingGivesTheClaimBack) {
         {"close()", [](os::DeviceHandle& h) { h.close(); }},
         {"destructor", [](os::DeviceHandle& h) { os::DeviceHandle gone(std::move(h)); }},
         {"move-assign over it", [](os::DeviceHandle& h) { h = os::DeviceHandle(); }},
-        {"release + closeNativeHandle", [](os::DeviceHandle& h) { os::closeNativeHandle(h.release()); }},
+        {"release + closeNativeHandle",
+         [](os::DeviceHandle& h) { os::closeNativeHandle(h.release()); }},
     };
     for (const auto& [how, close] : cases) {
         os::OpenResult opened = os::openDevice(kName, os::kRead | os::kExclusive);

@@ -8,21 +8,6 @@
 
 namespace {
 
-struct Expected {
-    uint16_t year, month, dayOfWeek, day, hour, minute, second, milliseconds;
-};
-
-void expectLocal(const os::LocalTime& t, const Expected& e, const std::string& label) {
-    EXPECT_EQ(t.year, e.year) << label;
-    EXPECT_EQ(t.month, e.month) << label;
-    EXPECT_EQ(t.dayOfWeek, e.dayOfWeek) << label;
-    EXPECT_EQ(t.day, e.day) << label;
-    EXPECT_EQ(t.hour, e.hour) << label;
-    EXPECT_EQ(t.minute, e.minute) << label;
-    EXPECT_EQ(t.second, e.second) << label;
-    EXPECT_EQ(t.milliseconds, e.milliseconds) << label;
-}
-
 // 2024-02-29 23:59:59.999 UTC, a Thursday.
 constexpr uint64_t kLeapDayEnd = 1709251199999ULL;
 
@@ -43,6 +28,21 @@ TEST(LocalTime, KeepsSecondsAndMillisecondsOfTheClocksInstant) {
 }
 
 #else
+
+struct Expected {
+    uint16_t year, month, dayOfWeek, day, hour, minute, second, milliseconds;
+};
+
+void expectLocal(const os::LocalTime& t, const Expected& e, const std::string& label) {
+    EXPECT_EQ(t.year, e.year) << label;
+    EXPECT_EQ(t.month, e.month) << label;
+    EXPECT_EQ(t.dayOfWeek, e.dayOfWeek) << label;
+    EXPECT_EQ(t.day, e.day) << label;
+    EXPECT_EQ(t.hour, e.hour) << label;
+    EXPECT_EQ(t.minute, e.minute) << label;
+    EXPECT_EQ(t.second, e.second) << label;
+    EXPECT_EQ(t.milliseconds, e.milliseconds) << label;
+}
 
 TEST(LocalTime, FollowsTheClockInTheProcesssZone) {
     struct Case {
@@ -65,7 +65,8 @@ TEST(LocalTime, FollowsTheClockInTheProcesssZone) {
         os::VirtualClock clock(kLeapDayEnd);
         os::installClock(&clock);
         clock.advance(c.advance);
-        expectLocal(os::localTime(), c.local, std::string(c.zone) + " +" + std::to_string(c.advance));
+        expectLocal(os::localTime(), c.local,
+                    std::string(c.zone) + " +" + std::to_string(c.advance));
         os::installClock(nullptr);
     }
     if (saved != nullptr) {

@@ -60,7 +60,7 @@ TEST(Thread, FailingBodyStillLeavesTheVirtualClock) {
     }
     {
         os::Thread dropped([] { throw std::logic_error("ignored"); });
-    }  // the destructor joins and swallows
+    }                           // the destructor joins and swallows
     os::sleepMilliseconds(10);  // would never return if a worker were still counted
     EXPECT_EQ(clock.elapsedMilliseconds(), 10u);
     os::installClock(nullptr);
@@ -74,7 +74,7 @@ TEST(Event, SetResetAndWaitWithoutAClockInstalled) {
         bool signalled;
     };
     const Case cases[] = {
-        {false, false, false, false}, {true, false, false, true},  {false, true, false, true},
+        {false, false, false, false}, {true, false, false, true}, {false, true, false, true},
         {false, true, true, false},   {true, false, true, false},
     };
     for (const Case& c : cases) {

@@ -35,13 +35,27 @@ TEST(AutoRun, SuppressedWhileAnyObjectDisablesIt) {
             std::optional<AutoRun> c;
             for (Op op : cases[i].ops) {
                 switch (op) {
-                    case kDisableA: a->Disable(true); break;
-                    case kEnableA: a->Disable(false); break;
-                    case kDisableB: b.Disable(true); break;
-                    case kEnableB: b.Disable(false); break;
-                    case kDestroyA: a.reset(); break;
-                    case kCopyAIntoC: c.emplace(*a); break;
-                    case kDestroyC: c.reset(); break;
+                    case kDisableA:
+                        a->Disable(true);
+                        break;
+                    case kEnableA:
+                        a->Disable(false);
+                        break;
+                    case kDisableB:
+                        b.Disable(true);
+                        break;
+                    case kEnableB:
+                        b.Disable(false);
+                        break;
+                    case kDestroyA:
+                        a.reset();
+                        break;
+                    case kCopyAIntoC:
+                        c.emplace(*a);
+                        break;
+                    case kDestroyC:
+                        c.reset();
+                        break;
                 }
             }
             EXPECT_EQ(AutoRun::autoPlaySuppressed(), cases[i].suppressed) << "case " << i;

@@ -13,7 +13,9 @@ using libStorage::ExclusiveAccess;
 
 class ExclusiveAccessTest : public ::testing::Test {
 protected:
-    void SetUp() override { os::registerEmulatedDevice(kDrive, std::make_shared<os::EmulatedDevice>()); }
+    void SetUp() override {
+        os::registerEmulatedDevice(kDrive, std::make_shared<os::EmulatedDevice>());
+    }
     void TearDown() override { os::unregisterEmulatedDevice(kDrive); }
 
     static os::DeviceHandle open() {
@@ -21,7 +23,9 @@ protected:
         EXPECT_TRUE(opened.error.ok());
         return std::move(opened.handle);
     }
-    static bool othersShutOut() { return !os::openDevice(kDrive, os::kRead | os::kExclusive).error.ok(); }
+    static bool othersShutOut() {
+        return !os::openDevice(kDrive, os::kRead | os::kExclusive).error.ok();
+    }
 
     static constexpr const char* kDrive = "\\\\.\\SimCdRom7";
 };
@@ -46,16 +50,13 @@ TEST_F(ExclusiveAccessTest, EveryExitGivesTheDeviceBack) {
     os::DeviceHandle other = open();
     using Exit = void (*)(std::unique_ptr<ExclusiveAccess>&, os::NativeHandle);
     const std::pair<const char*, Exit> cases[] = {
-        {"release", [](std::unique_ptr<ExclusiveAccess>& a, os::NativeHandle) {
-             a->releaseExclusiveAccess();
-         }},
+        {"release", [](std::unique_ptr<ExclusiveAccess>& a,
+                       os::NativeHandle) { a->releaseExclusiveAccess(); }},
         {"destructor", [](std::unique_ptr<ExclusiveAccess>& a, os::NativeHandle) { a.reset(); }},
-        {"another handle", [](std::unique_ptr<ExclusiveAccess>& a, os::NativeHandle next) {
-             a->setHandle(next);
-         }},
-        {"assigned over", [](std::unique_ptr<ExclusiveAccess>& a, os::NativeHandle) {
-             *a = ExclusiveAccess();
-         }},
+        {"another handle",
+         [](std::unique_ptr<ExclusiveAccess>& a, os::NativeHandle next) { a->setHandle(next); }},
+        {"assigned over",
+         [](std::unique_ptr<ExclusiveAccess>& a, os::NativeHandle) { *a = ExclusiveAccess(); }},
     };
     for (const auto& [how, exit] : cases) {
         auto access = std::make_unique<ExclusiveAccess>();

@@ -39,8 +39,10 @@ TEST(LookupManager, KeepsOneEntryPerDeviceName) {
         }
         EXPECT_EQ(LookupManager::get("\\\\.\\CdRom0"), s.cdrom0) << "step " << index;
         EXPECT_EQ(LookupManager::get("\\\\.\\CdRom1"), s.cdrom1) << "step " << index;
-        EXPECT_EQ(LookupManager::contains("\\\\.\\CdRom0"), s.cdrom0 != nullptr) << "step " << index;
-        EXPECT_EQ(LookupManager::contains("\\\\.\\CdRom1"), s.cdrom1 != nullptr) << "step " << index;
+        EXPECT_EQ(LookupManager::contains("\\\\.\\CdRom0"), s.cdrom0 != nullptr)
+            << "step " << index;
+        EXPECT_EQ(LookupManager::contains("\\\\.\\CdRom1"), s.cdrom1 != nullptr)
+            << "step " << index;
         ++index;
     }
 }

@@ -77,7 +77,8 @@ GeometryResult nativeGeometry(NativeHandle handle) {
     }
     int sectorSize = 0;
     uint64_t totalBytes = 0;
-    if (ioctl(handle, BLKSSZGET, &sectorSize) != 0 || ioctl(handle, BLKGETSIZE64, &totalBytes) != 0) {
+    if (ioctl(handle, BLKSSZGET, &sectorSize) != 0 ||
+        ioctl(handle, BLKGETSIZE64, &totalBytes) != 0) {
         return GeometryResult{{}, lastError("disk size")};
     }
     DiskGeometry geometry = translatedGeometry(totalBytes, static_cast<uint32_t>(sectorSize));
@@ -86,7 +87,8 @@ GeometryResult nativeGeometry(NativeHandle handle) {
         // The driver's translation; its 16-bit cylinder count is recomputed from the size.
         geometry.tracksPerCylinder = chs.heads;
         geometry.sectorsPerTrack = chs.sectors;
-        geometry.cylinders = totalBytes / geometry.bytesPerSector / (uint64_t{chs.heads} * chs.sectors);
+        geometry.cylinders =
+            totalBytes / geometry.bytesPerSector / (uint64_t{chs.heads} * chs.sectors);
     }
     return GeometryResult{geometry, {}};
 }
@@ -95,7 +97,8 @@ IoResult nativeReadAt(NativeHandle handle, uint64_t offset, void* buffer, size_t
     auto* bytes = static_cast<char*>(buffer);
     size_t done = 0;
     while (done < size) {
-        const ssize_t n = pread(handle, bytes + done, size - done, static_cast<off_t>(offset + done));
+        const ssize_t n =
+            pread(handle, bytes + done, size - done, static_cast<off_t>(offset + done));
         if (n < 0 && errno == EINTR) {
             continue;
         }

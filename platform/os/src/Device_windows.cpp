@@ -33,8 +33,8 @@ OpenResult nativeOpen(const std::string& path, uint32_t access) {
     const DWORD share = (access & kExclusive) != 0 ? 0 : FILE_SHARE_READ | FILE_SHARE_WRITE;
     const DWORD flags =
         (access & kDirect) != 0 ? FILE_FLAG_NO_BUFFERING | FILE_FLAG_WRITE_THROUGH : 0;
-    HANDLE handle = CreateFileW(fromUtf8(path).c_str(), desired, share, nullptr, OPEN_EXISTING,
-                                flags, nullptr);
+    HANDLE handle =
+        CreateFileW(fromUtf8(path).c_str(), desired, share, nullptr, OPEN_EXISTING, flags, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         return OpenResult{{}, lastError("open " + path)};
     }
@@ -70,8 +70,8 @@ GeometryResult nativeGeometry(NativeHandle handle) {
         geometry.tracksPerCylinder = g.TracksPerCylinder;
         geometry.sectorsPerTrack = g.SectorsPerTrack;
         geometry.bytesPerSector = g.BytesPerSector;
-        geometry.totalBytes = geometry.cylinders * g.TracksPerCylinder * g.SectorsPerTrack *
-                              g.BytesPerSector;
+        geometry.totalBytes =
+            geometry.cylinders * g.TracksPerCylinder * g.SectorsPerTrack * g.BytesPerSector;
         return GeometryResult{geometry, {}};
     }
     const DWORD ioctlError = GetLastError();

@@ -31,7 +31,8 @@ Registry& registry() {
 }
 
 Error notSupported(const char* what) {
-    return Error{errorCodeNotSupported(), std::string("emulated device: ") + what + " not supported"};
+    return Error{errorCodeNotSupported(),
+                 std::string("emulated device: ") + what + " not supported"};
 }
 
 // Claims a placeholder handle for `device`; called with the registry locked.

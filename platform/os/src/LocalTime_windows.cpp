@@ -20,8 +20,8 @@ LocalTime toLocalTime(uint64_t utcMilliseconds) {
         !SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local)) {
         local = utc;
     }
-    return LocalTime{local.wYear,   local.wMonth,  local.wDayOfWeek, local.wDay,
-                     local.wHour,   local.wMinute, local.wSecond,    local.wMilliseconds};
+    return LocalTime{local.wYear, local.wMonth,  local.wDayOfWeek, local.wDay,
+                     local.wHour, local.wMinute, local.wSecond,    local.wMilliseconds};
 }
 
 }  // namespace os::detail

@@ -53,8 +53,8 @@ private:
 
 bool volumeIsOnDisk(HANDLE volume, DWORD diskNumber) {
     // Room for a volume spanning several disks.
-    alignas(VOLUME_DISK_EXTENTS) unsigned char buffer[sizeof(VOLUME_DISK_EXTENTS) +
-                                                     15 * sizeof(DISK_EXTENT)] = {};
+    alignas(VOLUME_DISK_EXTENTS) unsigned char
+        buffer[sizeof(VOLUME_DISK_EXTENTS) + 15 * sizeof(DISK_EXTENT)] = {};
     DWORD returned = 0;
     if (!DeviceIoControl(volume, IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, nullptr, 0, buffer,
                          sizeof buffer, &returned, nullptr)) {
@@ -90,9 +90,9 @@ std::unique_ptr<Hold> lockVolumesOf(const std::wstring& disk, DWORD diskNumber,
         if (!volumePath.empty() && volumePath.back() == L'\\') {
             volumePath.pop_back();  // the volume device rather than its root directory
         }
-        HANDLE volume = CreateFileW(volumePath.c_str(), GENERIC_READ | GENERIC_WRITE,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
-                                    nullptr);
+        HANDLE volume =
+            CreateFileW(volumePath.c_str(), GENERIC_READ | GENERIC_WRITE,
+                        FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
         if (volume == INVALID_HANDLE_VALUE) {
             continue;  // no medium, or not a volume we could ever write through
         }
@@ -105,8 +105,8 @@ std::unique_ptr<Hold> lockVolumesOf(const std::wstring& disk, DWORD diskNumber,
                              nullptr) ||
             !DeviceIoControl(volume, FSCTL_DISMOUNT_VOLUME, nullptr, 0, nullptr, 0, &returned,
                              nullptr)) {
-            failure = L"volume " + volumePath + L" of " + disk +
-                      L" is in use: " + systemText(GetLastError());
+            failure = L"volume " + volumePath + L" of " + disk + L" is in use: " +
+                      systemText(GetLastError());
             CloseHandle(volume);
             FindVolumeClose(search);
             return nullptr;  // the volumes locked so far are unlocked with `locked`

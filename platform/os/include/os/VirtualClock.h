@@ -15,6 +15,9 @@
 // sleeps, those waits give up and return false (nothing could ever signal them).
 // A thread that blocks outside the clock (I/O, a mutex) counts as running: time stands still
 // until it returns to the clock or finishes.
+//
+// REQUIRES: every os::Thread started while it was installed is joined (or destroyed) before
+// the clock is uninstalled and destroyed.
 #pragma once
 
 #include <condition_variable>
