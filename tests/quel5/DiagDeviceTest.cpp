@@ -35,7 +35,8 @@ TEST(DiagDeviceTest, StringArrayFromValue) {
         std::vector<std::string> items;
     };
     const Case cases[] = {
-        {"array in order", Value::stringArray({L"PxHlpa64", L"GEARAspiWDM"}),
+        {"array in order",
+         Value::stringArray({L"PxHlpa64", L"GEARAspiWDM"}),
          {"PxHlpa64", "GEARAspiWDM"}},
         {"empty array", Value::stringArray({}), {}},
         {"one text", Value("imapi"), {"imapi"}},

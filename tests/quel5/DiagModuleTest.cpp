@@ -203,8 +203,8 @@ TEST(DiagModuleTest, ReportsFromTwoThreadsAllArriveInEachThreadsOrder) {
 }
 
 TEST(DiagModuleTest, ScopedHostRestoresThePreviousHostAndClearsParameters) {
-    quel5::Parameter* parameter = DiagModule::createParameter(
-        "Scoped_Param", quel5::DataType::UINT32, "", false, false);
+    quel5::Parameter* parameter =
+        DiagModule::createParameter("Scoped_Param", quel5::DataType::UINT32, "", false, false);
     RecordingHost outer;
     RecordingHost inner;
     ScopedHost outerScope(outer);

@@ -13,8 +13,9 @@ inline void PrintTo(const QuelString& text, std::ostream* out) {
 namespace quel5 {
 
 inline void PrintTo(const Value& value, std::ostream* out) {
-    static const char* const kinds[] = {"NONE",    "UINT32", "UINT64",       "INT64",       "PERCENT",
-                                        "BOOLEAN", "STRING", "UINT32_ARRAY", "STRING_ARRAY"};
+    static const char* const kinds[] = {"NONE",   "UINT32",       "UINT64",
+                                        "INT64",  "PERCENT",      "BOOLEAN",
+                                        "STRING", "UINT32_ARRAY", "STRING_ARRAY"};
     *out << kinds[static_cast<int>(value.kind())] << " \"" << value.toString().toUtf8() << '"';
 }
 

@@ -90,9 +90,9 @@ struct LibraryReport {
 };
 
 // One report in arrival order. Stop polls are counted (stopPolls()), not recorded here.
-using Report = std::variant<EventReport, ProgressReport, PercentReport, ResetPercentReport,
-                            TimeLeftReport, MessageBoxReport, MessageBoxCancelReport,
-                            LibraryReport>;
+using Report =
+    std::variant<EventReport, ProgressReport, PercentReport, ResetPercentReport, TimeLeftReport,
+                 MessageBoxReport, MessageBoxCancelReport, LibraryReport>;
 
 class RecordingHost : public quel5::Host {
 public:

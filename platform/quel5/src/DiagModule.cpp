@@ -24,9 +24,7 @@ Parameter* DiagModule::createParameter(const QuelString& name, const DataType& t
     return Registry::instance().addParameter(name, type, range, flagA, flagB);
 }
 
-Event* DiagModule::createEvent(const QuelString& key) {
-    return Registry::instance().addEvent(key);
-}
+Event* DiagModule::createEvent(const QuelString& key) { return Registry::instance().addEvent(key); }
 
 LocalizedString* DiagModule::createLocalizedString(const QuelString& key) {
     return Registry::instance().addLocalizedString(key);
@@ -74,8 +72,8 @@ void DiagModule::estimatedTimeLeft(unsigned int seconds) {
 }
 
 MessageBox2* DiagModule::createMessageBox2(const QuelString& message, const QuelString& title,
-                                           int type, const MessageBox2_Options& options,
-                                           int look, bool modal) {
+                                           int type, const MessageBox2_Options& options, int look,
+                                           bool modal) {
     if (!installedHost()) return nullptr;
     return new MessageBox2(message, title, type, options, look, modal);
 }

@@ -5,11 +5,7 @@
 namespace quel5 {
 
 Parameter::Parameter(QuelString name, DataType type, QuelString range, bool flagA, bool flagB)
-    : name_(std::move(name)),
-      type_(type),
-      range_(std::move(range)),
-      flagA_(flagA),
-      flagB_(flagB) {}
+    : name_(std::move(name)), type_(type), range_(std::move(range)), flagA_(flagA), flagB_(flagB) {}
 
 kiv::String Parameter::toString() const { return isset() ? value_.toString() : kiv::String(); }
 

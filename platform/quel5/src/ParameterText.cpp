@@ -36,7 +36,8 @@ std::vector<std::wstring_view> splitAtCommas(std::wstring_view text) {
 bool inRange(const NumericRange& range, double number, std::wstring_view text,
              const QuelString& rangeText, kiv::String* reason) {
     if (range.contains(number)) return true;
-    fail(reason, quoted(trimBlanks(text)) + L" is outside the range " + rangeText.kivString().str());
+    fail(reason,
+         quoted(trimBlanks(text)) + L" is outside the range " + rangeText.kivString().str());
     return false;
 }
 
@@ -120,7 +121,8 @@ std::optional<Value> textArrayFromText(std::wstring_view text) {
 std::optional<Value> valueFromText(const DataType& type, const QuelString& range,
                                    const kiv::String& text, kiv::String* reason) {
     const auto bounds = parseRange(range.kivString().str());
-    if (!bounds) return fail(reason, L"the range " + quoted(range.kivString().str()) + L" is not valid");
+    if (!bounds)
+        return fail(reason, L"the range " + quoted(range.kivString().str()) + L" is not valid");
     const std::wstring_view view = text.str();
     switch (type.kind()) {
         case Kind::UINT32:

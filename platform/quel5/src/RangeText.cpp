@@ -31,7 +31,8 @@ std::optional<NumericRange> parseRange(std::wstring_view text) {
     if ((open != L'[' && open != L'(') || (close != L']' && close != L')')) return std::nullopt;
     const std::wstring_view inner = text.substr(1, text.size() - 2);
     const std::size_t comma = inner.find(L',');
-    if (comma == std::wstring_view::npos || inner.find(L',', comma + 1) != std::wstring_view::npos) {
+    if (comma == std::wstring_view::npos ||
+        inner.find(L',', comma + 1) != std::wstring_view::npos) {
         return std::nullopt;
     }
     NumericRange range;

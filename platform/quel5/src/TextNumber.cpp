@@ -69,8 +69,7 @@ std::optional<double> parseDecimal(std::wstring_view text) {
     }
     if (digits == 0) return std::nullopt;
     double value = 0.0;
-    const auto [end, error] =
-        std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
+    const auto [end, error] = std::from_chars(narrow.data(), narrow.data() + narrow.size(), value);
     if (error != std::errc() || end != narrow.data() + narrow.size()) return std::nullopt;
     return value;
 }
