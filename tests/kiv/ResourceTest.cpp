@@ -75,7 +75,7 @@ TEST_F(ResourceTest, MalformedTextIsRejectedWholeWithTheLineNamed) {
     }
 }
 
-TEST_F(ResourceTest, LocaleSpecificValueWinsOverTheCommonOne) {
+TEST_F(ResourceTest, ValueForTheLocaleWinsOverTheCommonOne) {
     Resource::set(kLibrary, kRerunKey, L"1");
     Resource::set(kLibrary, kRerunKey, KIVLocale(L"de_DE"), L"2");
     EXPECT_EQ(lookUp(kLibrary, kRerunKey).str(), L"1");

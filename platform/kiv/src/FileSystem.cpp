@@ -6,17 +6,17 @@ namespace kiv {
 
 bool FileSystem::exists(const String& path) {
     uint64_t size = 0;
-    return platform::inspect(path, size) != platform::EntryKind::Missing;
+    return platform::examine(path, size) != platform::EntryKind::Missing;
 }
 
 bool FileSystem::isDirectory(const String& path) {
     uint64_t size = 0;
-    return platform::inspect(path, size) == platform::EntryKind::Directory;
+    return platform::examine(path, size) == platform::EntryKind::Directory;
 }
 
 bool FileSystem::getFileSize(const String& path, uint64_t& size) {
     uint64_t found = 0;
-    if (platform::inspect(path, found) != platform::EntryKind::File) return false;
+    if (platform::examine(path, found) != platform::EntryKind::File) return false;
     size = found;
     return true;
 }

@@ -17,7 +17,7 @@ std::FILE* openFile(const String& path, FileMode mode);
 enum class EntryKind { Missing, File, Directory, Other };
 
 // What `path` names; `size` is set to the byte size when it names a file.
-EntryKind inspect(const String& path, uint64_t& size);
+EntryKind examine(const String& path, uint64_t& size);
 
 // The separator joinPath puts between two parts.
 wchar_t pathSeparator();

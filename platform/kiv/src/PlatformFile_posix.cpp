@@ -10,7 +10,7 @@ std::FILE* openFile(const String& path, FileMode mode) {
     return std::fopen(path.toUtf8().c_str(), mode == FileMode::Read ? "rb" : "ab");
 }
 
-EntryKind inspect(const String& path, uint64_t& size) {
+EntryKind examine(const String& path, uint64_t& size) {
     struct stat info {};
     if (path.isEmpty() || ::stat(path.toUtf8().c_str(), &info) != 0) return EntryKind::Missing;
     if (S_ISDIR(info.st_mode)) return EntryKind::Directory;

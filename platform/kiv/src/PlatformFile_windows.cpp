@@ -11,7 +11,7 @@ std::FILE* openFile(const String& path, FileMode mode) {
     return _wfopen(path.c_str(), mode == FileMode::Read ? L"rb" : L"ab");
 }
 
-EntryKind inspect(const String& path, uint64_t& size) {
+EntryKind examine(const String& path, uint64_t& size) {
     WIN32_FILE_ATTRIBUTE_DATA info{};
     if (path.isEmpty() || !GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &info)) {
         return EntryKind::Missing;

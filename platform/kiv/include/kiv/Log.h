@@ -2,7 +2,9 @@
 // threshold, and sinks that receive every message at or above it.
 //
 // A message is written when its priority >= LogFactory::getPriority(). Messages are passed
-// through as given: callers put their own "<line> " prefix in front.
+// through as given: callers put their own "<line> " prefix in front. Until the host adds a sink,
+// written messages go nowhere. Every member is safe to call from any thread; sinks receive one
+// record at a time.
 #pragma once
 
 #include <cstdint>
@@ -54,7 +56,9 @@ public:
     static void removeAllSinks();
 };
 
-// Sinks: standard error, a file (appended, one line per record), and memory for tests.
+// Sinks: standard error, a file (appended), and memory for tests. Standard error and file get
+// one line per record, "YYYY-MM-DD hh:mm:ss.mmm P<priority> <logger>: <message>" in UTC, with
+// a line end at the end of the message dropped. A sink must not log itself.
 class KIV_API StandardErrorSink : public LogSink {
 public:
     void write(const LogRecord& record) override;
@@ -72,7 +76,8 @@ private:
     std::unique_ptr<Impl> impl_;
 };
 
-// Keeps every record; readers call records() after the code under test has run.
+// Keeps every record; readers call records() after the code under test has run. Copies share
+// one store, so a test keeps a copy and hands the other to LogFactory::addSink.
 class KIV_API MemorySink : public LogSink {
 public:
     void write(const LogRecord& record) override;
