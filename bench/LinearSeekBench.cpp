@@ -30,10 +30,9 @@ bool setParameter(const wchar_t* key, const wchar_t* text) {
 
 // Reports nanoseconds per read: `reads` reads per iteration over the measured time.
 void reportPerRead(benchmark::State& state, uint64_t reads) {
-    state.counters["ns_per_read"] =
-        benchmark::Counter(static_cast<double>(reads) / 1e9,
-                           benchmark::Counter::kIsIterationInvariantRate |
-                               benchmark::Counter::kInvert);
+    state.counters["ns_per_read"] = benchmark::Counter(
+        static_cast<double>(reads) / 1e9,
+        benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
 void LinearSeekTestRun(benchmark::State& state) {

@@ -19,7 +19,8 @@ public:
     unsigned char* reserve(std::size_t bytes, std::size_t alignment) {
         if (data_ == nullptr || bytes > size_ || alignment > alignment_) {
             release();
-            data_ = static_cast<unsigned char*>(::operator new(bytes, std::align_val_t{alignment}));
+            data_ =
+                static_cast<unsigned char*>(::operator new(bytes, std::align_val_t{alignment}));
             size_ = bytes;
             alignment_ = alignment;
         }

@@ -187,8 +187,8 @@ bool BlockDeviceDrive::acceptsRange(uint64_t startSector, unsigned int count) {
         return false;
     }
     if (startSector >= totalSectors_ || count > totalSectors_ - startSector) {
-        failed(path_ + ": sectors " + std::to_string(startSector) + " + " +
-                   std::to_string(count) + " lie outside its " + std::to_string(totalSectors_),
+        failed(path_ + ": sectors " + std::to_string(startSector) + " + " + std::to_string(count) +
+                   " lie outside its " + std::to_string(totalSectors_),
                TestResult::FAIL);
         return false;
     }
@@ -206,8 +206,8 @@ bool BlockDeviceDrive::acceptsBuffer(unsigned int count, const void* buffer,
     return true;
 }
 
-TestResult BlockDeviceDrive::transfer(Direction direction, uint64_t startSector,
-                                      unsigned int count, unsigned char* buffer) {
+TestResult BlockDeviceDrive::transfer(Direction direction, uint64_t startSector, unsigned int count,
+                                      unsigned char* buffer) {
     const uint64_t offset = startSector * bytesPerSector_;
     const size_t bytes = size_t{count} * bytesPerSector_;
     os::IoResult moved = move(direction, offset, buffer, bytes);
@@ -221,10 +221,10 @@ TestResult BlockDeviceDrive::transfer(Direction direction, uint64_t startSector,
         moved = move(direction, offset, buffer, bytes);
     }
     if (!moved.error.ok()) {
-        return failed(path_ + " at sector " + std::to_string(startSector) + ": " +
-                          moved.error.message,
-                      blockdevice::isDeviceGone(moved.error.code) ? TestResult::INTERNALERROR
-                                                                  : TestResult::FAIL);
+        return failed(
+            path_ + " at sector " + std::to_string(startSector) + ": " + moved.error.message,
+            blockdevice::isDeviceGone(moved.error.code) ? TestResult::INTERNALERROR
+                                                        : TestResult::FAIL);
     }
     if (moved.bytes != bytes) {
         return failed(path_ + " ended within sectors " + std::to_string(startSector) + " + " +
@@ -242,8 +242,8 @@ os::IoResult BlockDeviceDrive::move(Direction direction, uint64_t offset, unsign
         return direction == Direction::Read ? os::readAt(handle, offset, buffer, bytes)
                                             : os::writeAt(handle, offset, buffer, bytes);
     }
-    const size_t chunk =
-        std::max<size_t>(bytesPerSector_, kPreferredTransferBytes / bytesPerSector_ * bytesPerSector_);
+    const size_t chunk = std::max<size_t>(
+        bytesPerSector_, kPreferredTransferBytes / bytesPerSector_ * bytesPerSector_);
     unsigned char* bounce = bounce_.reserve(std::min(chunk, bytes), alignment_);
     os::IoResult total;
     while (total.bytes < bytes) {
@@ -293,7 +293,8 @@ uint32_t BlockDeviceDrive::GetSectorsPerTrack() { return sectorsPerTrack_; }
 uint32_t BlockDeviceDrive::GetBytesPerSector() { return bytesPerSector_; }
 
 uint32_t BlockDeviceDrive::GetOptimalReadAmount() const {
-    return bytesPerSector_ == 0 ? 0 : std::max<uint32_t>(1, kPreferredTransferBytes / bytesPerSector_);
+    return bytesPerSector_ == 0 ? 0
+                                : std::max<uint32_t>(1, kPreferredTransferBytes / bytesPerSector_);
 }
 
 uint64_t BlockDeviceDrive::GetTotalSectors() { return totalSectors_; }

@@ -16,8 +16,8 @@
 
 namespace {
 
-using blockdrivetest::ImageFile;
 using blockdrivetest::imageBytes;
+using blockdrivetest::ImageFile;
 using quel5::TestResult;
 
 constexpr uint64_t kImageBytes = 8 * 1024 * 1024;
@@ -100,8 +100,7 @@ TEST_F(LoopDeviceDriveTest, GeometryAndDataComeFromTheKernelDevice) {
                 << "sector " << sector;
         }
         std::vector<uint8_t> block(c.bytesPerSector);
-        EXPECT_EQ(drive.ReadSectors(last + 1, 1, block.data(), c.bytesPerSector),
-                  TestResult::FAIL);
+        EXPECT_EQ(drive.ReadSectors(last + 1, 1, block.data(), c.bytesPerSector), TestResult::FAIL);
     }
 }
 
