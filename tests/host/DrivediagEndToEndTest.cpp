@@ -4,10 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fstream>
+#include <iterator>
 
 #include "DrivediagRun.h"
 #include "host/ConsoleHost.h"
 #include "host/StopRequest.h"
+#include "kiv/Log.h"
 #include "os/Clock.h"
 #include "os/VirtualClock.h"
 
@@ -147,6 +150,29 @@ TEST_F(DrivediagEndToEndTest, AnImageFileIsTestedThroughTheBlockDrive) {
         {"run", "linear-seek", "--device", image.path(), "--set", "NumberOfSeeks=64"});
     EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
     EXPECT_EQ(run.lines.back(), "Result: PASS (exit code 0)");
+}
+
+TEST_F(DrivediagEndToEndTest, LogFileReceivesTheLibraryLogFromTheChosenPriority) {
+    const struct {
+        const char* level;
+        bool tracesEntry;
+    } cases[] = {{"1", true}, {"2", false}, {"4", false}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.level);
+        const hosttest::TempImage log(0);
+        const int priorityBefore = kiv::LogFactory::getPriority();
+        const RunOutput run =
+            runDrivediag({"run", "linear-seek", "--device", "sim:1000s", "--log", log.path(),
+                          "--log-level", c.level, "--set", "NumberOfSeeks=10"});
+        EXPECT_EQ(run.exitCode, 0) << run.err;
+        std::ifstream file(log.path());
+        const std::string logged((std::istreambuf_iterator<char>(file)),
+                                 std::istreambuf_iterator<char>());
+        EXPECT_EQ(logged.find("Entering CLinearSeekTest::Run") != std::string::npos,
+                  c.tracesEntry)
+            << logged;
+        EXPECT_EQ(kiv::LogFactory::getPriority(), priorityBefore);
+    }
 }
 
 TEST_F(DrivediagEndToEndTest, BadCommandLinesGiveAClearErrorAndTheUsageCode) {
