@@ -70,7 +70,8 @@ private:
     }
 
     // The value of an option: after '=' in the same argument, else the next argument.
-    std::optional<std::string> value(const std::string& name, const std::optional<std::string>& inline_) {
+    std::optional<std::string> value(const std::string& name,
+                                     const std::optional<std::string>& inline_) {
         if (inline_) return inline_;
         if (cursor_.done()) {
             fail(name + " needs a value");

@@ -15,8 +15,8 @@ enum class Command { Help, Run, Tests, List };
 
 struct CommandLine {
     Command command = Command::Help;
-    bool help = false;                // --help given to a command
-    std::string test;                 // run: the test's name
+    bool help = false;  // --help given to a command
+    std::string test;   // run: the test's name
     std::optional<std::string> device;
     std::vector<std::pair<std::string, std::string>> sets;  // --set KEY=VALUE, in order
     bool json = false;

@@ -16,23 +16,34 @@ std::string eventMessage(const quel5::Event& event) {
 int messageBoxAnswer(PromptAnswer answer, unsigned int buttons) {
     const bool okOnly = buttons == 0;
     switch (answer) {
-        case PromptAnswer::Yes: return okOnly ? quel5::MB2_OK : quel5::MB2_YES;
-        case PromptAnswer::No: return okOnly ? quel5::MB2_CANCEL : quel5::MB2_NO;
-        case PromptAnswer::Cancel: break;
+        case PromptAnswer::Yes:
+            return okOnly ? quel5::MB2_OK : quel5::MB2_YES;
+        case PromptAnswer::No:
+            return okOnly ? quel5::MB2_CANCEL : quel5::MB2_NO;
+        case PromptAnswer::Cancel:
+            break;
     }
     return quel5::MB2_CANCEL;
 }
 
 std::string answerName(int answer) {
     switch (answer) {
-        case quel5::MB2_NONE: return "NONE";
-        case quel5::MB2_OK: return "OK";
-        case quel5::MB2_CANCEL: return "CANCEL";
-        case quel5::MB2_ABORT: return "ABORT";
-        case quel5::MB2_RETRY: return "RETRY";
-        case quel5::MB2_IGNORE: return "IGNORE";
-        case quel5::MB2_YES: return "YES";
-        case quel5::MB2_NO: return "NO";
+        case quel5::MB2_NONE:
+            return "NONE";
+        case quel5::MB2_OK:
+            return "OK";
+        case quel5::MB2_CANCEL:
+            return "CANCEL";
+        case quel5::MB2_ABORT:
+            return "ABORT";
+        case quel5::MB2_RETRY:
+            return "RETRY";
+        case quel5::MB2_IGNORE:
+            return "IGNORE";
+        case quel5::MB2_YES:
+            return "YES";
+        case quel5::MB2_NO:
+            return "NO";
     }
     return std::to_string(answer);
 }

@@ -17,8 +17,8 @@ namespace host {
 
 // What a run is about, shown before the test starts.
 struct RunDescription {
-    std::string test;         // the test's name on the command line
-    std::string device;       // the device text
+    std::string test;    // the test's name on the command line
+    std::string device;  // the device text
     std::vector<std::pair<std::string, std::string>> parameters;  // as set, key and value
 };
 

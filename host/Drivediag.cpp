@@ -55,7 +55,9 @@ public:
 
 int runTest(const CommandLine& line, const Console& console) {
     const TestDefinition* test = findTest(line.test);
-    if (!test) return usageError(console, "unknown test \"" + line.test + "\" (tests: " + testNames() + ")");
+    if (!test)
+        return usageError(console,
+                          "unknown test \"" + line.test + "\" (tests: " + testNames() + ")");
     ParameterValues parameters;
     std::string error;
     if (!applyParameters(*test, line.sets, &parameters, &error)) return usageError(console, error);
@@ -98,7 +100,8 @@ int listTests(const CommandLine& line, const Console& console) {
     for (const TestDefinition& test : testTable()) {
         if (line.json) {
             JsonObject defaults;
-            for (const ParameterDefault& entry : test.defaults) defaults.text(entry.key, entry.value);
+            for (const ParameterDefault& entry : test.defaults)
+                defaults.text(entry.key, entry.value);
             console.out << JsonObject()
                                .text("type", "test")
                                .text("name", test.name)
@@ -156,10 +159,14 @@ int runDrivediag(const std::vector<std::string>& args, const Console& console) {
         return 0;
     }
     switch (line->command) {
-        case Command::Run: return runTest(*line, console);
-        case Command::Tests: return listTests(*line, console);
-        case Command::List: return listDrivesCommand(*line, console);
-        case Command::Help: break;
+        case Command::Run:
+            return runTest(*line, console);
+        case Command::Tests:
+            return listTests(*line, console);
+        case Command::List:
+            return listDrivesCommand(*line, console);
+        case Command::Help:
+            break;
     }
     return 0;
 }

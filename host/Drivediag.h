@@ -8,9 +8,9 @@
 namespace host {
 
 struct Console {
-    std::ostream& out;   // reports, results, lists
-    std::ostream& err;   // errors about the command itself
-    bool terminal;       // out is a terminal: redraw the progress line in place
+    std::ostream& out;  // reports, results, lists
+    std::ostream& err;  // errors about the command itself
+    bool terminal;      // out is a terminal: redraw the progress line in place
 };
 
 // Runs the command in `args` (the arguments after the program name) and returns the process's

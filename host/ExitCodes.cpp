@@ -11,10 +11,10 @@ struct ResultCode {
 };
 
 constexpr ResultCode kResultCodes[] = {
-    {Code::PASS, 0},         {Code::FAIL, 1},          {Code::WARN, 2},
-    {Code::BADPARAMS, 3},    {Code::USERABORTED, 4},   {Code::INTERNALERROR, 5},
-    {Code::NODEVICE, 6},     {Code::NOTSUPPORTED, 7},  {Code::DEVICEBUSY, 8},
-    {Code::CANNOTRUN, 9},    {Code::TIMEDOUT, 10},     {Code::INCORRECTMEDIA, 11},
+    {Code::PASS, 0},      {Code::FAIL, 1},         {Code::WARN, 2},
+    {Code::BADPARAMS, 3}, {Code::USERABORTED, 4},  {Code::INTERNALERROR, 5},
+    {Code::NODEVICE, 6},  {Code::NOTSUPPORTED, 7}, {Code::DEVICEBUSY, 8},
+    {Code::CANNOTRUN, 9}, {Code::TIMEDOUT, 10},    {Code::INCORRECTMEDIA, 11},
     {Code::NOMEDIA, 12},
 };
 

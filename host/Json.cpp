@@ -31,7 +31,8 @@ std::size_t utf8SequenceLength(std::string_view text, std::size_t pos) {
         codePoint = (codePoint << 6) | (byte(pos + i) & 0x3F);
     }
     // Reject overlong forms, surrogates and code points past U+10FFFF.
-    const bool overlong = (length == 3 && codePoint < 0x800) || (length == 4 && codePoint < 0x10000);
+    const bool overlong =
+        (length == 3 && codePoint < 0x800) || (length == 4 && codePoint < 0x10000);
     const bool surrogate = codePoint >= 0xD800 && codePoint <= 0xDFFF;
     if (overlong || surrogate || codePoint > 0x10FFFF) return 0;
     return length;
@@ -52,13 +53,27 @@ std::string jsonString(std::string_view utf8) {
     while (pos < utf8.size()) {
         const unsigned char c = static_cast<unsigned char>(utf8[pos]);
         switch (c) {
-            case '"': out += "\\\""; break;
-            case '\\': out += "\\\\"; break;
-            case '\b': out += "\\b"; break;
-            case '\f': out += "\\f"; break;
-            case '\n': out += "\\n"; break;
-            case '\r': out += "\\r"; break;
-            case '\t': out += "\\t"; break;
+            case '"':
+                out += "\\\"";
+                break;
+            case '\\':
+                out += "\\\\";
+                break;
+            case '\b':
+                out += "\\b";
+                break;
+            case '\f':
+                out += "\\f";
+                break;
+            case '\n':
+                out += "\\n";
+                break;
+            case '\r':
+                out += "\\r";
+                break;
+            case '\t':
+                out += "\\t";
+                break;
             default:
                 if (c < 0x20 || c == 0x7F) {
                     char escaped[8];
@@ -84,13 +99,19 @@ std::string jsonString(std::string_view utf8) {
 std::string jsonValue(const quel5::Value& value) {
     using Kind = quel5::DataType::Kind;
     switch (value.kind()) {
-        case Kind::NONE: return "null";
+        case Kind::NONE:
+            return "null";
         case Kind::UINT32:
-        case Kind::UINT64: return std::to_string(value.valueUint64());
-        case Kind::INT64: return std::to_string(static_cast<int64_t>(value.valueUint64()));
-        case Kind::PERCENT: return jsonDouble(value.valuePercent());
-        case Kind::BOOLEAN: return value.valueBool() ? "true" : "false";
-        case Kind::STRING: return jsonString(value.valueString().toUtf8());
+        case Kind::UINT64:
+            return std::to_string(value.valueUint64());
+        case Kind::INT64:
+            return std::to_string(static_cast<int64_t>(value.valueUint64()));
+        case Kind::PERCENT:
+            return jsonDouble(value.valuePercent());
+        case Kind::BOOLEAN:
+            return value.valueBool() ? "true" : "false";
+        case Kind::STRING:
+            return jsonString(value.valueString().toUtf8());
         case Kind::UINT32_ARRAY: {
             std::string out = "[";
             for (uint32_t i = 0; i < value.Uint32ArraySize(); ++i) {

@@ -6,9 +6,12 @@ namespace {
 
 const char* severityName(quel5::Severity severity) {
     switch (severity) {
-        case quel5::Severity::WARNING: return "warning";
-        case quel5::Severity::INFORMATIVE: return "informative";
-        case quel5::Severity::ERROR: return "error";
+        case quel5::Severity::WARNING:
+            return "warning";
+        case quel5::Severity::INFORMATIVE:
+            return "informative";
+        case quel5::Severity::ERROR:
+            return "error";
     }
     return "event";
 }
@@ -72,10 +75,8 @@ void JsonHost::estimatedTimeLeft(unsigned int seconds) {
 }
 
 void JsonHost::messageBoxCancelled(const quel5::MessageBox2& box) {
-    writeLine(JsonObject()
-                  .text("type", "messageBoxCancelled")
-                  .text("title", box.title().toUtf8())
-                  .str());
+    writeLine(
+        JsonObject().text("type", "messageBoxCancelled").text("title", box.title().toUtf8()).str());
 }
 
 void JsonHost::messageBoxAnswered(const quel5::MessageBox2& box, int answer) {

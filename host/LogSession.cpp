@@ -16,10 +16,10 @@ bool LogSession::start(const std::optional<std::string>& file, std::optional<int
                        std::string* error) {
     if (file) {
         try {
-            kiv::LogFactory::addSink(
-                std::make_unique<kiv::FileSink>(kiv::String::fromUtf8(*file)));
+            kiv::LogFactory::addSink(std::make_unique<kiv::FileSink>(kiv::String::fromUtf8(*file)));
         } catch (const kiv::Exception& e) {
-            if (error) *error = "cannot open the log file " + *file + ": " + e.getMessage().toUtf8();
+            if (error)
+                *error = "cannot open the log file " + *file + ": " + e.getMessage().toUtf8();
             return false;
         }
         addedSink_ = true;

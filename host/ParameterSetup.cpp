@@ -26,8 +26,8 @@ bool applyOne(const std::string& key, const std::string& value, ParameterValues&
     quel5::Registry& registry = quel5::Registry::instance();
     const QuelString name(key.c_str());
     if (!registry.findParameter(name))
-        return fail(error, "unknown parameter \"" + key + "\" (parameters: " + knownParameters() +
-                               ")");
+        return fail(error,
+                    "unknown parameter \"" + key + "\" (parameters: " + knownParameters() + ")");
     const auto same = [&](const auto& entry) { return entry.first == key; };
     if (value.empty()) {
         registry.clearParameter(name);

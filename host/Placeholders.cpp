@@ -18,8 +18,7 @@ std::string fillPlaceholders(std::string_view text, const quel5::Variables& vari
     std::size_t pos = 0;
     while (pos < text.size()) {
         const std::size_t open = text.find('{', pos);
-        const std::size_t close =
-            open == std::string_view::npos ? open : text.find('}', open + 1);
+        const std::size_t close = open == std::string_view::npos ? open : text.find('}', open + 1);
         if (close == std::string_view::npos) {
             filled.append(text.substr(pos));
             break;

@@ -129,8 +129,7 @@ private:
         if (!first || !count)
             return fail(error_, "bad=" + std::string(value) + ": expected LBA or LBA+COUNT");
         if (*count == 0 || *count > kMaxSpan)
-            return fail(error_, "bad=" + std::string(value) +
-                                    ": COUNT must be from 1 to 1000000");
+            return fail(error_, "bad=" + std::string(value) + ": COUNT must be from 1 to 1000000");
         spec_.bad.push_back({*first, *count});
         return true;
     }

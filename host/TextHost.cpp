@@ -6,9 +6,12 @@ namespace {
 
 const char* severityName(quel5::Severity severity) {
     switch (severity) {
-        case quel5::Severity::WARNING: return "WARNING";
-        case quel5::Severity::INFORMATIVE: return "INFO";
-        case quel5::Severity::ERROR: return "ERROR";
+        case quel5::Severity::WARNING:
+            return "WARNING";
+        case quel5::Severity::INFORMATIVE:
+            return "INFO";
+        case quel5::Severity::ERROR:
+            return "ERROR";
     }
     return "EVENT";
 }

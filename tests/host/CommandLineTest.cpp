@@ -22,7 +22,11 @@ TEST(CommandLineTest, ValidCommandLines) {
     };
     std::vector<Case> cases;
     cases.push_back({{}, CommandLine{}});
-    cases.push_back({{"tests"}, [] { CommandLine l; l.command = Command::Tests; return l; }()});
+    cases.push_back({{"tests"}, [] {
+                         CommandLine l;
+                         l.command = Command::Tests;
+                         return l;
+                     }()});
     cases.push_back({{"list", "--json"}, [] {
                          CommandLine l;
                          l.command = Command::List;
@@ -45,8 +49,8 @@ TEST(CommandLineTest, ValidCommandLines) {
         l.logLevel = 1;
         l.answer = PromptAnswer::Yes;
         cases.push_back({{"run", "--device", "sim:1MiB", "--set", "MaxErrors=3", "linear-seek",
-                          "--set=StartRange=MIN+10%", "--json", "--log", "out.log",
-                          "--log-level=1", "--yes", "--set", "MaxErrors="},
+                          "--set=StartRange=MIN+10%", "--json", "--log", "out.log", "--log-level=1",
+                          "--yes", "--set", "MaxErrors="},
                          l});
     }
     {

@@ -98,14 +98,14 @@ TEST(ConsoleHostTest, OnATerminalEventLinesPushTheProgressLineDown) {
 
     const std::string bar50 = "[##########..........]  50%";
     const std::string withText = bar50 + "  Reading sector 5 of 10";
-    const std::string expected =
-        "\r" + bar50 +                                          // percent
-        "\r" + withText +                                       // progress text
-        "\r" + std::string(withText.size(), ' ') + "\r" +       // cleared for the event
-        "INFO: Running the test once more.  [RERUN_TEST, libDrive/X:1]\n" +
-        "\r" + withText +                                       // drawn again below it
-        "\n" +                                                  // ended before the result
-        "Result: USERABORTED (exit code 4)\n";
+    const std::string expected = "\r" + bar50 +     // percent
+                                 "\r" + withText +  // progress text
+                                 "\r" + std::string(withText.size(), ' ') +
+                                 "\r" +  // cleared for the event
+                                 "INFO: Running the test once more.  [RERUN_TEST, libDrive/X:1]\n" +
+                                 "\r" + withText +  // drawn again below it
+                                 "\n" +             // ended before the result
+                                 "Result: USERABORTED (exit code 4)\n";
     EXPECT_EQ(out.str(), expected);
 }
 

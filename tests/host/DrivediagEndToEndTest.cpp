@@ -92,9 +92,9 @@ TEST_F(DrivediagEndToEndTest, OverridesReplaceDefaultsInTheStartLine) {
     const RunOutput plain = runDrivediag({"run", "linear-seek", "--device", "sim:1000s"});
     EXPECT_EQ(plain.lines.front(),
               "Running linear-seek on sim:1000s with MaxErrors=10 NumberOfSeeks=1000");
-    const RunOutput changed = runDrivediag({"run", "linear-seek", "--device", "sim:1000s", "--set",
-                                            "NumberOfSeeks=7", "--set", "MaxErrors=",
-                                            "--set", "StartRange=MIN+10%"});
+    const RunOutput changed =
+        runDrivediag({"run", "linear-seek", "--device", "sim:1000s", "--set", "NumberOfSeeks=7",
+                      "--set", "MaxErrors=", "--set", "StartRange=MIN+10%"});
     EXPECT_EQ(changed.lines.front(),
               "Running linear-seek on sim:1000s with NumberOfSeeks=7 StartRange=MIN+10%");
 }
@@ -121,9 +121,10 @@ TEST_F(DrivediagEndToEndTest, JsonRunWritesOneObjectPerLine) {
         EXPECT_EQ(line.front(), '{') << line;
         EXPECT_EQ(line.back(), '}') << line;
     }
-    EXPECT_EQ(run.lines.front(),
-              "{\"type\":\"start\",\"test\":\"linear-seek\",\"device\":\"sim:1000s,bad=500,cost=50\","
-              "\"parameters\":{\"MaxErrors\":\"1\",\"NumberOfSeeks\":\"100\"}}");
+    EXPECT_EQ(
+        run.lines.front(),
+        "{\"type\":\"start\",\"test\":\"linear-seek\",\"device\":\"sim:1000s,bad=500,cost=50\","
+        "\"parameters\":{\"MaxErrors\":\"1\",\"NumberOfSeeks\":\"100\"}}");
     EXPECT_EQ(run.lines.back(), "{\"type\":\"result\",\"result\":\"FAIL\",\"exitCode\":1}");
     const std::string event =
         run.lineWith({"\"type\":\"event\"", "\"key\":\"MAX_ERRORS_EXCEEDED\""});
@@ -146,8 +147,8 @@ TEST_F(DrivediagEndToEndTest, JsonRunWritesOneObjectPerLine) {
 
 TEST_F(DrivediagEndToEndTest, AnImageFileIsTestedThroughTheBlockDrive) {
     const hosttest::TempImage image(512 * 1024);
-    const RunOutput run = runDrivediag(
-        {"run", "linear-seek", "--device", image.path(), "--set", "NumberOfSeeks=64"});
+    const RunOutput run =
+        runDrivediag({"run", "linear-seek", "--device", image.path(), "--set", "NumberOfSeeks=64"});
     EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
     EXPECT_EQ(run.lines.back(), "Result: PASS (exit code 0)");
 }
@@ -168,8 +169,7 @@ TEST_F(DrivediagEndToEndTest, LogFileReceivesTheLibraryLogFromTheChosenPriority)
         std::ifstream file(log.path());
         const std::string logged((std::istreambuf_iterator<char>(file)),
                                  std::istreambuf_iterator<char>());
-        EXPECT_EQ(logged.find("Entering CLinearSeekTest::Run") != std::string::npos,
-                  c.tracesEntry)
+        EXPECT_EQ(logged.find("Entering CLinearSeekTest::Run") != std::string::npos, c.tracesEntry)
             << logged;
         EXPECT_EQ(kiv::LogFactory::getPriority(), priorityBefore);
     }
@@ -184,19 +184,19 @@ TEST_F(DrivediagEndToEndTest, BadCommandLinesGiveAClearErrorAndTheUsageCode) {
         {{"run", "linear-seek", "--set", "Bogus=1"}, 64, "unknown parameter \"Bogus\""},
         {{"run", "linear-seek", "--set", "MaxErrors=abc"}, 64, "bad value \"abc\" for MaxErrors"},
         {{"run", "linear-seek", "--set", "MaxErrors=-1"}, 64, "for MaxErrors"},
-        {{"run", "linear-seek", "--set", "SectorPercentToTest=0"}, 64,
-         "for SectorPercentToTest"},
-        {{"run", "linear-seek", "--set", "SectorPercentToTest=101"}, 64,
-         "for SectorPercentToTest"},
+        {{"run", "linear-seek", "--set", "SectorPercentToTest=0"}, 64, "for SectorPercentToTest"},
+        {{"run", "linear-seek", "--set", "SectorPercentToTest=101"}, 64, "for SectorPercentToTest"},
         {{"run", "linear-seek", "--set", "PreserveData=maybe"}, 64, "for PreserveData"},
         {{"run", "linear-seek", "--device", "sim:1XB"}, 64, "is not a size"},
         {{"run", "linear-seek", "--device", "sim:1MiB,bad=2048"}, 64, "lies beyond"},
         {{"run", "linear-seek", "--device", ""}, 64, "device text is empty"},
         {{"run", "no-such-test"}, 64, "unknown test \"no-such-test\" (tests: linear-seek"},
         {{"run", "linear-seek", "--frobnicate"}, 64, "unknown option --frobnicate"},
-        {{"run", "linear-seek", "--log", "/nonexistent-dir/x/drivediag.log"}, 64,
+        {{"run", "linear-seek", "--log", "/nonexistent-dir/x/drivediag.log"},
+         64,
          "cannot open the log file"},
-        {{"run", "linear-seek", "--device", "/nonexistent-dir/disk.img"}, 66,
+        {{"run", "linear-seek", "--device", "/nonexistent-dir/disk.img"},
+         66,
          "cannot open /nonexistent-dir/disk.img"},
     };
     for (const auto& c : cases) {

@@ -27,11 +27,11 @@ TEST(JsonTest, StringsAreQuotedAndEscaped) {
         {"bad\xff", "\"bad\\ufffd\""},
         {"\xc3", "\"\\ufffd\""},
         {"\xc3(", "\"\\ufffd(\""},
-        {"\xc0\xaf", "\"\\ufffd\\ufffd\""},               // overlong '/'
-        {"\xe0\x80\xaf", "\"\\ufffd\\ufffd\\ufffd\""},    // overlong 3-byte form
-        {"\xed\xa0\x80", "\"\\ufffd\\ufffd\\ufffd\""},    // a surrogate
+        {"\xc0\xaf", "\"\\ufffd\\ufffd\""},                        // overlong '/'
+        {"\xe0\x80\xaf", "\"\\ufffd\\ufffd\\ufffd\""},             // overlong 3-byte form
+        {"\xed\xa0\x80", "\"\\ufffd\\ufffd\\ufffd\""},             // a surrogate
         {"\xf4\x90\x80\x80", "\"\\ufffd\\ufffd\\ufffd\\ufffd\""},  // past U+10FFFF
-        {"\xe2\x82", "\"\\ufffd\\ufffd\""},              // cut short at the end
+        {"\xe2\x82", "\"\\ufffd\\ufffd\""},                        // cut short at the end
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.expected);

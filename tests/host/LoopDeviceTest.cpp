@@ -46,8 +46,8 @@ TEST(LoopDeviceTest, LinearSeekOnALoopDevicePasses) {
     const hosttest::RunOutput run = hosttest::runDrivediag(
         {"run", "linear-seek", "--device", loop.path(), "--set", "NumberOfSeeks=256"});
     EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
-    EXPECT_EQ(run.lines.front(), "Running linear-seek on " + loop.path() +
-                                     " with MaxErrors=10 NumberOfSeeks=256");
+    EXPECT_EQ(run.lines.front(),
+              "Running linear-seek on " + loop.path() + " with MaxErrors=10 NumberOfSeeks=256");
     EXPECT_EQ(run.lines.back(), "Result: PASS (exit code 0)");
 
     const hosttest::RunOutput past = hosttest::runDrivediag(

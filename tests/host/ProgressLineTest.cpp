@@ -12,9 +12,8 @@ TEST(ProgressLineTest, DurationsAtTheirBoundaries) {
         unsigned int seconds;
         const char* expected;
     } cases[] = {
-        {0, "0:00"},       {59, "0:59"},       {60, "1:00"},
-        {3599, "59:59"},   {3600, "1:00:00"},  {3661, "1:01:01"},
-        {86399, "23:59:59"}, {4294967295u, "1193046:28:15"},
+        {0, "0:00"},       {59, "0:59"},      {60, "1:00"},        {3599, "59:59"},
+        {3600, "1:00:00"}, {3661, "1:01:01"}, {86399, "23:59:59"}, {4294967295u, "1193046:28:15"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.seconds);
@@ -58,9 +57,9 @@ TEST(ExitCodesTest, EveryResultHasItsOwnDocumentedCode) {
         R result;
         int code;
     } cases[] = {
-        {R::PASS, 0},        {R::FAIL, 1},         {R::WARN, 2},           {R::BADPARAMS, 3},
-        {R::USERABORTED, 4}, {R::INTERNALERROR, 5}, {R::NODEVICE, 6},       {R::NOTSUPPORTED, 7},
-        {R::DEVICEBUSY, 8},  {R::CANNOTRUN, 9},    {R::TIMEDOUT, 10},      {R::INCORRECTMEDIA, 11},
+        {R::PASS, 0},        {R::FAIL, 1},          {R::WARN, 2},      {R::BADPARAMS, 3},
+        {R::USERABORTED, 4}, {R::INTERNALERROR, 5}, {R::NODEVICE, 6},  {R::NOTSUPPORTED, 7},
+        {R::DEVICEBUSY, 8},  {R::CANNOTRUN, 9},     {R::TIMEDOUT, 10}, {R::INCORRECTMEDIA, 11},
         {R::NOMEDIA, 12},
     };
     for (const auto& c : cases) {

@@ -128,7 +128,7 @@ TEST(SimDeviceTextTest, OnlyTheSimPrefixMakesASimulatedDrive) {
         const char* text;
         bool simulated;
     } cases[] = {
-        {"sim:1MiB", true}, {"sim:", true},      {"SIM:1MiB", false},
+        {"sim:1MiB", true}, {"sim:", true},        {"SIM:1MiB", false},
         {"sim", false},     {"/dev/sim:1", false}, {"", false},
     };
     for (const auto& c : cases) {

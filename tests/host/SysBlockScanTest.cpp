@@ -42,7 +42,7 @@ TEST(SysBlockScanTest, ListsWholeDisksAndSkipsWhatCannotBeTested) {
     sys.write("nvme0n1/queue/logical_block_size", "4096\n");
     sys.write("loop0/size", "2097152\n");
     sys.write("loop0/loop/backing_file", "/tmp/disk.img\n");
-    sys.write("loop1/size", "0\n");  // no backing file
+    sys.write("loop1/size", "0\n");     // no backing file
     sys.write("loop2/size", "2048\n");  // size but no backing file
     sys.write("ram0/size", "8192\n");
     sys.write("zram0/size", "8192\n");
