@@ -16,21 +16,21 @@ OpenResult failed(OpenFailure failure, std::string error) {
 }
 
 std::unique_ptr<sim::SimulatedDrive> buildSimulatedDrive(const quel5::DiagDevice& device,
-                                                         const SimDeviceSpec& spec) {
+                                                         const SimDeviceDescription& described) {
     sim::SimulatedDriveConfig config;
-    config.totalSectors = spec.totalSectors;
-    config.bytesPerSector = spec.bytesPerSector;
-    config.cost.perReadMs = spec.costMs;
-    config.cost.perWriteMs = spec.costMs;
+    config.totalSectors = described.totalSectors;
+    config.bytesPerSector = described.bytesPerSector;
+    config.cost.perReadMs = described.costMs;
+    config.cost.perWriteMs = described.costMs;
     config.switches.provideEstimatedTime = true;
     config.recordOperations = false;
     auto drive = std::make_unique<sim::SimulatedDrive>(device, config);
-    for (const SectorSpan& span : spec.bad) {
+    for (const SectorSpan& span : described.bad) {
         for (uint64_t i = 0; i < span.count; ++i)
             drive->injectFault(span.first + i, sim::SectorFault::ReadFails);
     }
-    for (uint64_t sector : spec.flaky) drive->injectFault(sector, sim::SectorFault::Flaky);
-    for (uint64_t sector : spec.internal)
+    for (uint64_t sector : described.flaky) drive->injectFault(sector, sim::SectorFault::Flaky);
+    for (uint64_t sector : described.internal)
         drive->injectFault(sector, sim::SectorFault::ReadInternalError);
     return drive;
 }
@@ -43,9 +43,9 @@ OpenResult openDrive(const std::string& text) {
     result.opened.device = std::make_unique<quel5::DiagDevice>(QuelString(text.c_str()));
     if (isSimDeviceText(text)) {
         std::string error;
-        const auto spec = parseSimDeviceText(text, &error);
-        if (!spec) return failed(OpenFailure::BadText, text + ": " + error);
-        result.opened.drive = buildSimulatedDrive(*result.opened.device, *spec);
+        const auto described = parseSimDeviceText(text, &error);
+        if (!described) return failed(OpenFailure::BadText, text + ": " + error);
+        result.opened.drive = buildSimulatedDrive(*result.opened.device, *described);
         return result;
     }
     std::string error;

@@ -73,30 +73,31 @@ public:
         if (name == "sector") return sectorSize(value);
         if (name == "cost") return cost(value);
         if (name == "bad") return badSpan(value);
-        if (name == "flaky") return single(value, "flaky", spec_.flaky);
-        if (name == "internal") return single(value, "internal", spec_.internal);
+        if (name == "flaky") return single(value, "flaky", drive_.flaky);
+        if (name == "internal") return single(value, "internal", drive_.internal);
         return fail(error_, "unknown option \"" + std::string(name) +
                                 "\" (known: sector, bad, flaky, internal, cost)");
     }
 
     bool finish(const Size& size) {
-        spec_.totalSectors = size.inSectors ? size.amount : size.amount / spec_.bytesPerSector;
-        if (spec_.totalSectors == 0) return fail(error_, "the drive must hold at least one sector");
-        for (const SectorSpan& span : spec_.bad) {
-            if (span.first >= spec_.totalSectors) return beyondDrive("bad", span.first);
-            if (span.count > spec_.totalSectors - span.first)
+        drive_.totalSectors = size.inSectors ? size.amount : size.amount / drive_.bytesPerSector;
+        if (drive_.totalSectors == 0)
+            return fail(error_, "the drive must hold at least one sector");
+        for (const SectorSpan& span : drive_.bad) {
+            if (span.first >= drive_.totalSectors) return beyondDrive("bad", span.first);
+            if (span.count > drive_.totalSectors - span.first)
                 return beyondDrive("bad", span.first + span.count - 1);
         }
-        for (uint64_t sector : spec_.flaky) {
-            if (sector >= spec_.totalSectors) return beyondDrive("flaky", sector);
+        for (uint64_t sector : drive_.flaky) {
+            if (sector >= drive_.totalSectors) return beyondDrive("flaky", sector);
         }
-        for (uint64_t sector : spec_.internal) {
-            if (sector >= spec_.totalSectors) return beyondDrive("internal", sector);
+        for (uint64_t sector : drive_.internal) {
+            if (sector >= drive_.totalSectors) return beyondDrive("internal", sector);
         }
         return true;
     }
 
-    const SimDeviceSpec& spec() const { return spec_; }
+    const SimDeviceDescription& described() const { return drive_; }
 
 private:
     bool sectorSize(std::string_view value) {
@@ -106,7 +107,7 @@ private:
         if (!size || *size < 512 || *size > 65536 || (*size & (*size - 1)) != 0)
             return fail(error_, "sector=" + std::string(value) +
                                     ": the sector size must be a power of two from 512 to 65536");
-        spec_.bytesPerSector = static_cast<uint32_t>(*size);
+        drive_.bytesPerSector = static_cast<uint32_t>(*size);
         return true;
     }
 
@@ -117,7 +118,7 @@ private:
         if (!ms || *ms > kMaxCostMs)
             return fail(error_, "cost=" + std::string(value) +
                                     ": the cost must be a number of milliseconds up to 60000");
-        spec_.costMs = static_cast<uint32_t>(*ms);
+        drive_.costMs = static_cast<uint32_t>(*ms);
         return true;
     }
 
@@ -130,7 +131,7 @@ private:
             return fail(error_, "bad=" + std::string(value) + ": expected LBA or LBA+COUNT");
         if (*count == 0 || *count > kMaxSpan)
             return fail(error_, "bad=" + std::string(value) + ": COUNT must be from 1 to 1000000");
-        spec_.bad.push_back({*first, *count});
+        drive_.bad.push_back({*first, *count});
         return true;
     }
 
@@ -145,12 +146,12 @@ private:
 
     bool beyondDrive(const char* name, uint64_t sector) {
         return fail(error_, std::string(name) + "=: sector " + std::to_string(sector) +
-                                " lies beyond the drive's " + std::to_string(spec_.totalSectors) +
+                                " lies beyond the drive's " + std::to_string(drive_.totalSectors) +
                                 " sectors");
     }
 
     std::string* error_;
-    SimDeviceSpec spec_;
+    SimDeviceDescription drive_;
     bool sawSector_ = false;
     bool sawCost_ = false;
 };
@@ -159,7 +160,7 @@ private:
 
 bool isSimDeviceText(std::string_view text) { return text.substr(0, kPrefix.size()) == kPrefix; }
 
-std::optional<SimDeviceSpec> parseSimDeviceText(std::string_view text, std::string* error) {
+std::optional<SimDeviceDescription> parseSimDeviceText(std::string_view text, std::string* error) {
     if (!isSimDeviceText(text)) {
         fail(error, "a simulated drive is written sim:SIZE[,option=value]...");
         return std::nullopt;
@@ -188,7 +189,7 @@ std::optional<SimDeviceSpec> parseSimDeviceText(std::string_view text, std::stri
         rest = rest.substr(next + 1);
     }
     if (!parser.finish(*size)) return std::nullopt;
-    return parser.spec();
+    return parser.described();
 }
 
 }  // namespace host

@@ -25,20 +25,20 @@ struct SectorSpan {
     bool operator==(const SectorSpan&) const = default;
 };
 
-struct SimDeviceSpec {
+struct SimDeviceDescription {
     uint64_t totalSectors = 0;
     uint32_t bytesPerSector = 512;
     std::vector<SectorSpan> bad;
     std::vector<uint64_t> flaky;
     std::vector<uint64_t> internal;
     uint32_t costMs = 0;
-    bool operator==(const SimDeviceSpec&) const = default;
+    bool operator==(const SimDeviceDescription&) const = default;
 };
 
 // True when `text` names a simulated drive (starts with "sim:").
 bool isSimDeviceText(std::string_view text);
 
 // The drive `text` describes, or nullopt with a reason for a person in *error.
-std::optional<SimDeviceSpec> parseSimDeviceText(std::string_view text, std::string* error);
+std::optional<SimDeviceDescription> parseSimDeviceText(std::string_view text, std::string* error);
 
 }  // namespace host

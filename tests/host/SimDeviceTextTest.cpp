@@ -4,14 +4,14 @@
 
 namespace host {
 
-void PrintTo(const SimDeviceSpec& spec, std::ostream* os) {
-    *os << spec.totalSectors << " sectors of " << spec.bytesPerSector << " bytes, bad";
-    for (const SectorSpan& span : spec.bad) *os << " " << span.first << "+" << span.count;
+void PrintTo(const SimDeviceDescription& described, std::ostream* os) {
+    *os << described.totalSectors << " sectors of " << described.bytesPerSector << " bytes, bad";
+    for (const SectorSpan& span : described.bad) *os << " " << span.first << "+" << span.count;
     *os << ", flaky";
-    for (uint64_t sector : spec.flaky) *os << " " << sector;
+    for (uint64_t sector : described.flaky) *os << " " << sector;
     *os << ", internal";
-    for (uint64_t sector : spec.internal) *os << " " << sector;
-    *os << ", cost " << spec.costMs;
+    for (uint64_t sector : described.internal) *os << " " << sector;
+    *os << ", cost " << described.costMs;
 }
 
 }  // namespace host
@@ -19,53 +19,53 @@ void PrintTo(const SimDeviceSpec& spec, std::ostream* os) {
 namespace {
 
 using host::SectorSpan;
-using host::SimDeviceSpec;
+using host::SimDeviceDescription;
 
-SimDeviceSpec spec(uint64_t sectors, uint32_t sectorSize = 512) {
-    SimDeviceSpec s;
+SimDeviceDescription described(uint64_t sectors, uint32_t sectorSize = 512) {
+    SimDeviceDescription s;
     s.totalSectors = sectors;
     s.bytesPerSector = sectorSize;
     return s;
 }
 
 TEST(SimDeviceTextTest, ValidTexts) {
-    const auto withBad = [](SimDeviceSpec s, std::vector<SectorSpan> bad) {
+    const auto withBad = [](SimDeviceDescription s, std::vector<SectorSpan> bad) {
         s.bad = std::move(bad);
         return s;
     };
-    SimDeviceSpec everything = spec(1000, 4096);
+    SimDeviceDescription everything = described(1000, 4096);
     everything.bad = {{10, 1}, {20, 5}};
     everything.flaky = {7, 8};
     everything.internal = {999};
     everything.costMs = 60000;
-    SimDeviceSpec lastSectorBad = spec(100);
+    SimDeviceDescription lastSectorBad = described(100);
     lastSectorBad.bad = {{95, 5}};
 
     const struct {
         const char* text;
-        SimDeviceSpec expected;
+        SimDeviceDescription expected;
     } cases[] = {
-        {"sim:1GiB", spec(2097152)},
-        {"sim:1gib", spec(2097152)},
-        {"sim:1G", spec(2097152)},
-        {"sim:1GB", spec(2097152)},
-        {"sim:1MiB", spec(2048)},
-        {"sim:64K", spec(128)},
-        {"sim:2TiB", spec(4294967296ull)},
-        {"sim:1048576", spec(2048)},
-        {"sim:1048576b", spec(2048)},
+        {"sim:1GiB", described(2097152)},
+        {"sim:1gib", described(2097152)},
+        {"sim:1G", described(2097152)},
+        {"sim:1GB", described(2097152)},
+        {"sim:1MiB", described(2048)},
+        {"sim:64K", described(128)},
+        {"sim:2TiB", described(4294967296ull)},
+        {"sim:1048576", described(2048)},
+        {"sim:1048576b", described(2048)},
         // Bytes round down to whole sectors.
-        {"sim:1023", spec(1)},
-        {"sim:1000s", spec(1000)},
-        {"sim:1MiB,sector=4096", spec(256, 4096)},
-        {"sim:1s,sector=65536", spec(1, 65536)},
-        {"sim:1MiB,bad=1000", withBad(spec(2048), {{1000, 1}})},
-        {"sim:1MiB,bad=1000+5", withBad(spec(2048), {{1000, 5}})},
+        {"sim:1023", described(1)},
+        {"sim:1000s", described(1000)},
+        {"sim:1MiB,sector=4096", described(256, 4096)},
+        {"sim:1s,sector=65536", described(1, 65536)},
+        {"sim:1MiB,bad=1000", withBad(described(2048), {{1000, 1}})},
+        {"sim:1MiB,bad=1000+5", withBad(described(2048), {{1000, 5}})},
         {"sim:1000s,bad=10,bad=20+5,flaky=7,flaky=8,internal=999,sector=4096,cost=60000",
          everything},
         {"sim:100s,bad=95+5", lastSectorBad},
         // A span may be as long as the limit when the drive holds it.
-        {"sim:1000000s,bad=0+1000000", withBad(spec(1000000), {{0, 1000000}})},
+        {"sim:1000000s,bad=0+1000000", withBad(described(1000000), {{0, 1000000}})},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
