@@ -1,0 +1,302 @@
+// DriveTest: the handle check, Initialize and the error-threshold rules.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "DriveTestSupport.h"
+#include "libDrive/DriveTest.h"
+
+namespace {
+
+using quel5::TestResult;
+
+// Opens the protected parts of the frame to the tests.
+class FrameProbe : public kivrlibdrive::DriveTest {
+public:
+    using DriveTest::DriveTest;
+    using DriveTest::Initialize;
+    uint64_t start() const { return startSector; }
+    uint64_t end() const { return endSector; }
+    uint64_t jump() const { return jumpCount; }
+    uint64_t seeks() const { return numberOfSeeks; }
+    uint64_t toTest() const { return sectorsToTest; }
+    uint64_t capacity() const { return totalSectors; }
+    uint32_t sectorBytes() const { return bytesPerSector; }
+    uint32_t limit() const { return errorLimit; }
+};
+
+class DriveTestFrame : public drivetests::DriveTestFixture {
+protected:
+    quel5::DiagDevice device{L"sim:frame"};
+};
+
+TEST_F(DriveTestFrame, PublishedConstants) {
+    const uint32_t maxErrors = kivrlibdrive::DriveTest::DEFAULT_MAX_ERRORS;
+    const uint64_t minimumJump = kivrlibdrive::DriveTest::MINIMUM_JUMP_BY_VALUE;
+    EXPECT_EQ(maxErrors, 10u);
+    EXPECT_EQ(minimumJump, 1u);
+}
+
+TEST_F(DriveTestFrame, RunChecksTheHandle) {
+    for (const bool invalid : {false, true}) {
+        SCOPED_TRACE(invalid);
+        host.clear();
+        sim::SimulatedDrive drive(device, drivetests::driveOf(100));
+        drive.switches().invalidHandle = invalid;
+        FrameProbe test(drive);
+        EXPECT_EQ(test.Run(), invalid ? TestResult::NODEVICE : TestResult::PASS);
+        EXPECT_EQ(host.eventKeys(),
+                  invalid ? std::vector<std::string>{"INVALID_DRIVE_HANDLE"}
+                          : std::vector<std::string>{});
+        if (invalid) {
+            EXPECT_EQ(host.events()[0].source, "libDrive/DriveTest");
+        }
+    }
+}
+
+struct InitializeCase {
+    const char* name;
+    uint64_t total;
+    uint32_t bytesPerSector;
+    bool geometryThrows;
+    std::vector<std::pair<const char*, const char*>> parameters;
+    TestResult result;
+    std::vector<std::string> events;
+    std::vector<std::string> warningsLogged;  // priority 4 lines of "libDrive.DriveTest"
+};
+
+TEST_F(DriveTestFrame, InitializeRefusesWhatCannotBeTested) {
+    const InitializeCase cases[] = {
+        {"no sectors", 0, 512, false, {{"NumberOfSeeks", "10"}}, TestResult::WARN, {"TOTAL_SECTOR_GREATER_THAN_ZERO"}, {}},
+        {"geometry unreadable", 100, 512, true, {{"NumberOfSeeks", "10"}}, TestResult::INTERNALERROR, {"UNABLE_TO_GET_DRIVE_GEOMETRY"}, {}},
+        {"no amount to test",
+         100, 512, false, {},
+         TestResult::BADPARAMS,
+         {"InvalidSectorPercentToTestValue", "InvalidNumberOfSeeksValue", "END_RANGE_GREATER_THAN_START_RANGE"},
+         {"110  Invalid Range: NumberOfSeeks or SectorPercentToTest parameter is not set",
+          "111 Error creating the Range Object"}},
+        {"end below start",
+         100, 512, false, {{"NumberOfSeeks", "10"}, {"StartRange", "50"}, {"EndRange", "40"}},
+         TestResult::BADPARAMS,
+         {"END_RANGE_GREATER_THAN_START_RANGE"},
+         {"110  Invalid Range: The end range must be greater than start range",
+          "111 Error creating the Range Object"}},
+        {"malformed start", 100, 512, false, {{"NumberOfSeeks", "10"}, {"StartRange", "MAX"}}, TestResult::BADPARAMS, {"InvalidRangeEntry"}, {"120 "}},
+        {"unevaluable large-drive text",
+         100, 512, false,
+         {{"NumberOfSeeks", "10"}, {"AdjustForLargeDrives", "true"}, {"LargeDriveSize", "0"}, {"LargeDriveEndRange", "half"}},
+         TestResult::INTERNALERROR, {}, {}},
+        {"sector size 0 with a size text", 100, 0, false, {{"NumberOfSeeks", "10"}, {"StartRange", "1KB"}}, TestResult::INTERNALERROR, {}, {}},
+    };
+    for (const InitializeCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        clearLog();
+        for (const auto& [key, text] : c.parameters) set(key, text);
+        sim::SimulatedDrive drive(device, drivetests::driveOf(c.total, c.bytesPerSector));
+        drive.switches().geometryThrows = c.geometryThrows;
+        FrameProbe test(drive);
+        EXPECT_EQ(test.Initialize(), c.result);
+        EXPECT_EQ(host.eventKeys(), c.events);
+        for (const auto& event : host.events()) {
+            if (event.key == "END_RANGE_GREATER_THAN_START_RANGE" ||
+                event.key == "TOTAL_SECTOR_GREATER_THAN_ZERO" ||
+                event.key == "UNABLE_TO_GET_DRIVE_GEOMETRY") {
+                EXPECT_EQ(event.source, "libDrive/DriveTest");
+                EXPECT_EQ(event.severity, quel5::Severity::WARNING);
+            }
+        }
+        EXPECT_EQ(logged("libDrive.DriveTest", 4), c.warningsLogged);
+    }
+}
+
+TEST_F(DriveTestFrame, MoreSectorsThanTheSpanIsRefused) {
+    set("StartRange", "0");
+    set("EndRange", "100");
+    sim::SimulatedDrive drive(device, drivetests::driveOf(1000));
+    // A host may store any percentage; one above 100 asks for more sectors than the span has.
+    quel5::Registry::instance().findParameter(L"SectorPercentToTest")
+        ->setValue(quel5::Value::percent(150.0));
+    FrameProbe test(drive);
+    EXPECT_EQ(test.Initialize(), TestResult::BADPARAMS);
+    EXPECT_EQ(host.eventKeys(), std::vector<std::string>{"TOTAL_SECTORS_GREATER_THAN_DIFFERENCE"});
+}
+
+struct AcceptedCase {
+    const char* name;
+    uint64_t total;
+    uint32_t bytesPerSector;
+    std::vector<std::pair<const char*, const char*>> parameters;
+    uint64_t start, end, jump, seeks, toTest;
+};
+
+TEST_F(DriveTestFrame, InitializeTakesTheRangeAndClearsTheErrorLimit) {
+    const AcceptedCase cases[] = {
+        {"seeks", 100000, 512, {{"NumberOfSeeks", "10"}, {"StartRange", "100"}, {"EndRange", "1100"}}, 100, 1100, 100, 10, 0},
+        {"percent", 100000, 4096, {{"SectorPercentToTest", "10"}, {"StartRange", "1000"}, {"EndRange", "2000"}}, 1000, 2000, 10, 0, 100},
+        {"end beyond the capacity", 1000, 512, {{"NumberOfSeeks", "5000"}, {"EndRange", "MIN+2000"}}, 0, 1000, 1, 1000, 0},
+        {"percent too small for one sector", 1000, 512, {{"SectorPercentToTest", "1"}, {"EndRange", "50"}}, 0, 50, 1, 0, 0},
+    };
+    for (const AcceptedCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        set("MaxErrors", "7");
+        for (const auto& [key, text] : c.parameters) set(key, text);
+        sim::SimulatedDrive drive(device, drivetests::driveOf(c.total, c.bytesPerSector));
+        FrameProbe test(drive);
+        EXPECT_EQ(test.limit(), 7u);
+        EXPECT_EQ(test.Initialize(), TestResult::PASS);
+        EXPECT_EQ(test.start(), c.start);
+        EXPECT_EQ(test.end(), c.end);
+        EXPECT_EQ(test.jump(), c.jump);
+        EXPECT_EQ(test.seeks(), c.seeks);
+        EXPECT_EQ(test.toTest(), c.toTest);
+        EXPECT_EQ(test.capacity(), c.total);
+        EXPECT_EQ(test.sectorBytes(), c.bytesPerSector);
+        EXPECT_EQ(test.limit(), 0u);
+        EXPECT_TRUE(host.events().empty());
+    }
+}
+
+// "MaxErrors" and "MinErrorPercentage" as texts; null leaves the parameter unset.
+struct Limits {
+    const char* maxErrors;
+    const char* minPercent;
+};
+
+void applyLimits(const Limits& limits) {
+    if (limits.maxErrors) drivetests::setParameter("MaxErrors", limits.maxErrors);
+    if (limits.minPercent) drivetests::setParameter("MinErrorPercentage", limits.minPercent);
+}
+
+struct ThresholdCase {
+    Limits limits;
+    double errors;
+    double sectors;
+    TestResult given;
+    TestResult expected;
+    const char* percent;  // "percent" of TEST_PASSED_WITH_ERRORS; null: no event
+    const char* threshold;
+};
+
+TEST_F(DriveTestFrame, ErrorsUnderTheThresholdPassWithAWarning) {
+    const ThresholdCase cases[] = {
+        {{"10", "5"}, 3, 100, TestResult::FAIL, TestResult::PASS, "3.00", "5.00"},
+        {{"10", "5"}, 5, 100, TestResult::FAIL, TestResult::PASS, "5.00", "5.00"},
+        {{"10", "5"}, 6, 100, TestResult::FAIL, TestResult::FAIL, nullptr, nullptr},
+        {{"10", "5"}, 6, 100, TestResult::PASS, TestResult::PASS, nullptr, nullptr},
+        {{"10", "5"}, 3, 100, TestResult::PASS, TestResult::PASS, "3.00", "5.00"},
+        {{"10", "5"}, 0, 100, TestResult::PASS, TestResult::PASS, nullptr, nullptr},
+        {{"10", "5"}, 0, 100, TestResult::FAIL, TestResult::FAIL, nullptr, nullptr},
+        {{"10", "5"}, 3, 100, TestResult::USERABORTED, TestResult::USERABORTED, nullptr, nullptr},
+        {{"10", "5"}, 3, 100, TestResult::INTERNALERROR, TestResult::INTERNALERROR, nullptr, nullptr},
+        {{"0", "5"}, 50, 100, TestResult::FAIL, TestResult::PASS, "50.00", "5.00"},
+        {{"0", nullptr}, 50, 100, TestResult::FAIL, TestResult::PASS, "50.00", "0.00"},
+        {{"10", nullptr}, 1, 100, TestResult::FAIL, TestResult::FAIL, nullptr, nullptr},
+        {{"10", "12.5"}, 1, 8, TestResult::FAIL, TestResult::PASS, "12.50", "12.50"},
+        {{"10", "5"}, 1, 3, TestResult::FAIL, TestResult::FAIL, nullptr, nullptr},
+        // The share is worked out in single precision: 1/160 shows as 0.63, not 0.62.
+        {{"10", "5"}, 1, 160, TestResult::FAIL, TestResult::PASS, "0.63", "5.00"},
+        {{"10", "50"}, 1, 3, TestResult::FAIL, TestResult::PASS, "33.33", "50.00"},
+    };
+    for (const ThresholdCase& c : cases) {
+        SCOPED_TRACE(testing::Message() << (c.limits.maxErrors ? c.limits.maxErrors : "-") << "/"
+                                        << (c.limits.minPercent ? c.limits.minPercent : "-")
+                                        << " " << c.errors << " of " << c.sectors << " "
+                                        << c.given.name());
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        applyLimits(c.limits);
+        sim::SimulatedDrive drive(device, drivetests::driveOf(100));
+        FrameProbe test(drive);
+        EXPECT_EQ(test.GetThresholdResult(c.given, c.errors, c.sectors), c.expected);
+        if (c.percent == nullptr) {
+            EXPECT_TRUE(host.events().empty());
+            continue;
+        }
+        const auto events = host.events();
+        ASSERT_EQ(events.size(), 1u);
+        EXPECT_EQ(events[0].key, "TEST_PASSED_WITH_ERRORS");
+        EXPECT_EQ(events[0].severity, quel5::Severity::WARNING);
+        EXPECT_EQ(events[0].source, "libDrive/DriveTest");
+        EXPECT_EQ(events[0].get(L"percent").toString().toUtf8(), c.percent);
+        EXPECT_EQ(events[0].get(L"threshold_percent").toString().toUtf8(), c.threshold);
+    }
+}
+
+struct ExitCase {
+    Limits limits;
+    double errors;
+    double sectors;
+    const char* event;     // null: none
+    const char* variable;  // its one variable
+    const char* value;
+};
+
+TEST_F(DriveTestFrame, EarlyExitSaysWhy) {
+    const ExitCase cases[] = {
+        {{"10", "5"}, 10, 100, "TEST_FAILED_THRESHOLD", "threshold_percent", "5.00"},
+        {{"10", "50"}, 10, 100, "MAX_ERRORS_EXCEEDED", "MaxError", "10"},
+        {{"10", nullptr}, 10, 100, "MAX_ERRORS_EXCEEDED", "MaxError", "10"},
+        {{"10", nullptr}, 11, 100, "MAX_ERRORS_EXCEEDED", "MaxError", "10"},
+        {{"10", nullptr}, 9, 100, nullptr, nullptr, nullptr},
+        {{"10", "50"}, 9, 100, nullptr, nullptr, nullptr},
+        {{"3", "5"}, 5, 100, "MAX_ERRORS_EXCEEDED", "MaxError", "3"},
+    };
+    for (const ExitCase& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.limits.maxErrors << "/"
+                                        << (c.limits.minPercent ? c.limits.minPercent : "-")
+                                        << " " << c.errors << " of " << c.sectors);
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        applyLimits(c.limits);
+        sim::SimulatedDrive drive(device, drivetests::driveOf(100));
+        FrameProbe test(drive);
+        test.DisplayExitErrorEvent(c.errors, c.sectors);
+        if (c.event == nullptr) {
+            EXPECT_TRUE(host.events().empty());
+            continue;
+        }
+        const auto events = host.events();
+        ASSERT_EQ(events.size(), 1u);
+        EXPECT_EQ(events[0].key, c.event);
+        EXPECT_EQ(events[0].severity, std::string(c.event) == "MAX_ERRORS_EXCEEDED"
+                                          ? quel5::Severity::ERROR
+                                          : quel5::Severity::WARNING);
+        EXPECT_EQ(events[0].source, "libDrive/DriveTest");
+        EXPECT_EQ(events[0].names(), std::vector<std::string>{c.variable});
+        EXPECT_EQ(events[0].get(kiv::String::fromUtf8(c.variable)).toString().toUtf8(), c.value);
+    }
+}
+
+TEST_F(DriveTestFrame, ThresholdReadersAndTheirDefaults) {
+    const struct {
+        Limits limits;
+        uint32_t maxErrors;
+        double minPercent;
+        bool reachedAtOneInTen;  // IsErrorThresholdReached(1, 10)
+    } cases[] = {
+        {{"10", nullptr}, 10, 0.0, true},
+        {{"10", "10"}, 10, 10.0, false},
+        {{"10", "9.5"}, 10, 9.5, true},
+        {{"0", "1"}, 0, 1.0, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.limits.maxErrors);
+        quel5::Registry::instance().clearAllParameters();
+        applyLimits(c.limits);
+        sim::SimulatedDrive drive(device, drivetests::driveOf(100));
+        FrameProbe test(drive);
+        EXPECT_EQ(test.GetMaxErrors(), c.maxErrors);
+        EXPECT_DOUBLE_EQ(test.GetMinErrorPercentage(), c.minPercent);
+        EXPECT_EQ(test.IsErrorThresholdReached(1, 10), c.reachedAtOneInTen);
+        host.clear();
+        test.ShowThresholdFailed();
+        EXPECT_EQ(host.eventKeys().size(), c.minPercent > 0 ? 1u : 0u);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,152 @@
+// What the tests of the range, the test frame and the linear seek test share: a fixture with a
+// recording host, a virtual clock and a memory log, and a simulated drive that also writes down
+// the order in which a test calls it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "kiv/Exception.h"
+#include "kiv/Log.h"
+#include "os/Clock.h"
+#include "os/VirtualClock.h"
+#include "quel5/Registry.h"
+#include "sim/SimulatedDrive.h"
+#include "support/RecordingHost.h"
+
+namespace drivetests {
+
+// Sets a parameter from its text as a host would; fails the test when it is refused.
+inline void setParameter(const char* key, const char* text) {
+    kiv::String error;
+    ASSERT_TRUE(quel5::Registry::instance().setParameter(kiv::String::fromUtf8(key),
+                                                         kiv::String::fromUtf8(text), &error))
+        << key << "=" << text << ": " << error.toUtf8();
+}
+
+// Installs a recording host (every parameter cleared), a virtual clock and a memory log that
+// takes every priority, and undoes all three afterwards.
+class DriveTestFixture : public ::testing::Test {
+protected:
+    DriveTestFixture() : clock_(1'700'000'000'000), installedHost_(host) {
+        os::installClock(&clock_);
+        kiv::LogFactory::setPriority(1);
+        kiv::LogFactory::addSink(std::make_unique<kiv::MemorySink>(log_));
+    }
+    ~DriveTestFixture() override {
+        kiv::LogFactory::removeAllSinks();
+        kiv::LogFactory::setPriority(4);
+        os::installClock(nullptr);
+    }
+
+    static void set(const char* key, const char* text) { setParameter(key, text); }
+
+    // Messages written to `logger` at `priority`, in order.
+    std::vector<std::string> logged(const char* logger, int priority) const {
+        std::vector<std::string> lines;
+        for (const kiv::LogRecord& record : log_.records()) {
+            if (record.logger.toUtf8() == logger && record.priority == priority) {
+                lines.push_back(record.message.toUtf8());
+            }
+        }
+        return lines;
+    }
+    bool wasLogged(const char* logger, int priority, const std::string& message) const {
+        for (const std::string& line : logged(logger, priority)) {
+            if (line == message) return true;
+        }
+        return false;
+    }
+    void clearLog() { log_.clear(); }
+
+    uint64_t elapsedMs() { return clock_.elapsedMilliseconds(); }
+
+    testsupport::RecordingHost host;
+
+private:
+    os::VirtualClock clock_;
+    testsupport::ScopedHost installedHost_;
+    kiv::MemorySink log_;
+};
+
+// A simulated drive that records the calls a test makes, in order, as short words: "lock",
+// "unlock", "media", "prepare", "read <sector>", "rerun?", "confirm?", "pass?". It can also throw
+// from a read and heal its faults when a re-run is confirmed.
+class CallRecordingDrive : public sim::SimulatedDrive {
+public:
+    CallRecordingDrive(const quel5::DiagDevice& device, sim::SimulatedDriveConfig config)
+        : sim::SimulatedDrive(device, std::move(config)) {}
+
+    std::vector<std::string> calls;
+    std::optional<uint64_t> throwOnReadOf;
+    bool healOnConfirmedRerun = false;
+
+    quel5::TestResult ReadSectors(const uint64_t& startSector, unsigned int count, void* buffer,
+                                  unsigned int bufferSize) override {
+        calls.push_back("read " + std::to_string(startSector));
+        if (throwOnReadOf == startSector) throw kiv::Exception(L"the drive went away");
+        return sim::SimulatedDrive::ReadSectors(startSector, count, buffer, bufferSize);
+    }
+    quel5::TestResult PrepareRead() override {
+        calls.push_back("prepare");
+        return sim::SimulatedDrive::PrepareRead();
+    }
+    void LockTray() override {
+        calls.push_back("lock");
+        sim::SimulatedDrive::LockTray();
+    }
+    void UnlockTray() override {
+        calls.push_back("unlock");
+        sim::SimulatedDrive::UnlockTray();
+    }
+    quel5::TestResult CheckMedia(bool flag) override {
+        calls.push_back("media");
+        return sim::SimulatedDrive::CheckMedia(flag);
+    }
+    bool IsRerunAllowed() override {
+        calls.push_back("rerun?");
+        return sim::SimulatedDrive::IsRerunAllowed();
+    }
+    bool ConfirmRerun() override {
+        calls.push_back("confirm?");
+        const bool confirmed = sim::SimulatedDrive::ConfirmRerun();
+        if (confirmed && healOnConfirmedRerun) clearFaults();
+        return confirmed;
+    }
+    quel5::TestResult GetPASSResult() override {
+        calls.push_back("pass?");
+        return sim::SimulatedDrive::GetPASSResult();
+    }
+
+    // The sectors read, in order.
+    std::vector<uint64_t> readSectors() const {
+        std::vector<uint64_t> sectors;
+        for (const sim::Operation& operation : operations()) sectors.push_back(operation.startSector);
+        return sectors;
+    }
+};
+
+// A simulated drive of `totalSectors` sectors of `bytesPerSector` bytes whose reads cost
+// `readMs` milliseconds each.
+inline sim::SimulatedDriveConfig driveOf(uint64_t totalSectors, uint32_t bytesPerSector = 512,
+                                         uint32_t readMs = 0) {
+    sim::SimulatedDriveConfig config;
+    config.totalSectors = totalSectors;
+    config.bytesPerSector = bytesPerSector;
+    config.cost.perReadMs = readMs;
+    return config;
+}
+
+// `first`, `first + step`, ... `count` sectors.
+inline std::vector<uint64_t> stepsFrom(uint64_t first, uint64_t step, uint64_t count) {
+    std::vector<uint64_t> sectors;
+    for (uint64_t i = 0; i < count; ++i) sectors.push_back(first + i * step);
+    return sectors;
+}
+
+}  // namespace drivetests

@@ -1,0 +1,428 @@
+// CLinearSeekTest on a simulated drive under the virtual clock: the sectors it reads, how every
+// way out of a pass releases the tray, the error rules in place, progress and stop, the re-run.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "DriveTestSupport.h"
+#include "libDrive/LinearSeekTest.h"
+
+namespace {
+
+using drivetests::CallRecordingDrive;
+using drivetests::driveOf;
+using drivetests::stepsFrom;
+using quel5::TestResult;
+
+using Parameters = std::vector<std::pair<const char*, const char*>>;
+
+class LinearSeek : public drivetests::DriveTestFixture {
+protected:
+    void setAll(const Parameters& parameters) {
+        for (const auto& [key, text] : parameters) set(key, text);
+    }
+    TestResult run(kivrlibdrive::Drive& drive) {
+        kivrlibdrive::CLinearSeekTest test(drive);
+        return test.Run();
+    }
+
+    quel5::DiagDevice device{L"sim:linear"};
+};
+
+// What one pass asks of a drive that reads `sectors` without trouble.
+std::vector<std::string> passCalls(const std::vector<uint64_t>& sectors) {
+    std::vector<std::string> calls = {"lock"};
+    for (const uint64_t sector : sectors) {
+        calls.push_back("prepare");
+        calls.push_back("read " + std::to_string(sector));
+    }
+    calls.push_back("unlock");
+    return calls;
+}
+
+struct WalkCase {
+    const char* name;
+    uint64_t total;
+    Parameters parameters;
+    std::vector<uint64_t> reads;
+};
+
+TEST_F(LinearSeek, ReadsOneSectorAtEveryJumpFromStartToEnd) {
+    const WalkCase cases[] = {
+        {"jump 3 over 10 sectors", 100, {{"StartRange", "0"}, {"EndRange", "10"}, {"NumberOfSeeks", "3"}}, {0, 3, 6, 9}},
+        {"jump as long as the range", 1000, {{"StartRange", "100"}, {"EndRange", "110"}, {"NumberOfSeeks", "1"}}, {100}},
+        {"more seeks than sectors", 1000, {{"StartRange", "100"}, {"EndRange", "105"}, {"NumberOfSeeks", "10"}}, stepsFrom(100, 1, 5)},
+        {"uneven span", 1000, {{"StartRange", "7"}, {"EndRange", "20"}, {"NumberOfSeeks", "4"}}, {7, 10, 13, 16, 19}},
+        {"ten percent", 100000, {{"StartRange", "1000"}, {"EndRange", "2000"}, {"SectorPercentToTest", "10"}}, stepsFrom(1000, 10, 100)},
+        {"up to the last sector", 1000, {{"StartRange", "MAX-10"}, {"NumberOfSeeks", "5"}}, {990, 992, 994, 996, 998}},
+        {"whole drive", 64, {{"NumberOfSeeks", "64"}}, stepsFrom(0, 1, 64)},
+        {"end beyond the capacity", 50, {{"StartRange", "40"}, {"EndRange", "MIN+80"}, {"NumberOfSeeks", "100"}}, stepsFrom(40, 1, 10)},
+    };
+    for (const WalkCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        setAll(c.parameters);
+        CallRecordingDrive drive(device, driveOf(c.total, 4096));
+
+        EXPECT_EQ(run(drive), TestResult::PASS);
+
+        std::vector<std::string> expected = passCalls(c.reads);
+        expected.push_back("pass?");
+        EXPECT_EQ(drive.calls, expected);
+        for (const sim::Operation& operation : drive.operations()) {
+            EXPECT_EQ(operation.requestedCount, 1u);
+            EXPECT_EQ(operation.sectors, 1u) << "the buffer holds one sector";
+        }
+        EXPECT_EQ(host.percents(), std::vector<unsigned>{100}) << "no report within a second";
+        EXPECT_EQ(host.stopPolls(), 0u);
+        EXPECT_TRUE(host.events().empty());
+    }
+}
+
+struct ExitCase {
+    const char* name;
+    uint64_t total;
+    uint32_t bytesPerSector;
+    Parameters parameters;
+    std::function<void(CallRecordingDrive&)> arrange;
+    TestResult result;
+    unsigned passes;  // LockTray and UnlockTray calls each
+    std::vector<std::string> events;
+    std::vector<uint64_t> reads;
+};
+
+TEST_F(LinearSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
+    const Parameters tenSectors = {{"EndRange", "10"}, {"NumberOfSeeks", "10"}};
+    const auto nothing = [](CallRecordingDrive&) {};
+    const ExitCase cases[] = {
+        {"no handle", 100, 512, tenSectors,
+         [](CallRecordingDrive& d) { d.switches().invalidHandle = true; },
+         TestResult::NODEVICE, 0, {"INVALID_DRIVE_HANDLE"}, {}},
+        {"media check fails", 100, 512, tenSectors,
+         [](CallRecordingDrive& d) {
+             d.switches().needsMediaCheck = true;
+             d.switches().checkMediaResult = TestResult::NOMEDIA;
+         },
+         TestResult::NOMEDIA, 1, {}, {}},
+        {"no sectors", 0, 512, tenSectors, nothing, TestResult::WARN, 1, {"TOTAL_SECTOR_GREATER_THAN_ZERO"}, {}},
+        {"unreadable geometry", 100, 512, tenSectors,
+         [](CallRecordingDrive& d) { d.switches().geometryThrows = true; },
+         TestResult::INTERNALERROR, 1, {"UNABLE_TO_GET_DRIVE_GEOMETRY"}, {}},
+        {"bad range", 100, 512, {{"StartRange", "MAX"}, {"NumberOfSeeks", "10"}}, nothing,
+         TestResult::BADPARAMS, 1, {"InvalidRangeEntry"}, {}},
+        {"sector size 0", 100, 0, tenSectors, nothing, TestResult::INTERNALERROR, 1, {"INVALID_BUFFER_SIZE"}, {}},
+        {"read ends the test", 100, 512, tenSectors,
+         [](CallRecordingDrive& d) { d.injectFault(5, sim::SectorFault::ReadInternalError); },
+         TestResult::INTERNALERROR, 1, {}, stepsFrom(0, 1, 6)},
+        {"too many errors", 100, 512, {{"EndRange", "10"}, {"NumberOfSeeks", "10"}, {"MaxErrors", "2"}},
+         [](CallRecordingDrive& d) {
+             for (uint64_t s : {1, 2, 3}) d.injectFault(s, sim::SectorFault::ReadFails);
+         },
+         TestResult::FAIL, 1, {"MAX_ERRORS_EXCEEDED"}, stepsFrom(0, 1, 3)},
+        {"media check passes", 100, 512, tenSectors,
+         [](CallRecordingDrive& d) { d.switches().needsMediaCheck = true; },
+         TestResult::PASS, 1, {}, stepsFrom(0, 1, 10)},
+        {"failed twice", 100, 512, tenSectors,
+         [](CallRecordingDrive& d) {
+             d.injectFault(9, sim::SectorFault::ReadFails);
+             d.switches().rerunAllowed = true;
+             d.switches().confirmRerun = true;
+         },
+         TestResult::FAIL, 2, {"RERUN_TEST"}, {}},
+    };
+    for (const ExitCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        setAll(c.parameters);
+        CallRecordingDrive drive(device, driveOf(c.total, c.bytesPerSector));
+        c.arrange(drive);
+
+        EXPECT_EQ(run(drive), c.result);
+
+        EXPECT_EQ(drive.counters().lockTray, c.passes);
+        EXPECT_EQ(drive.counters().unlockTray, c.passes);
+        EXPECT_EQ(host.eventKeys(), c.events);
+        if (!c.reads.empty()) {
+            EXPECT_EQ(drive.readSectors(), c.reads);
+        }
+        if (c.passes > 0 && drive.counters().checkMedia > 0) {
+            EXPECT_FALSE(drive.counters().lastCheckMediaFlag);
+            EXPECT_EQ(drive.calls[1], "media") << "the media check follows the tray lock";
+        }
+    }
+}
+
+TEST_F(LinearSeek, ADriveThatThrowsStillGetsItsTrayBack) {
+    set("EndRange", "10");
+    set("NumberOfSeeks", "10");
+    CallRecordingDrive drive(device, driveOf(100));
+    drive.throwOnReadOf = 4;
+    EXPECT_THROW(run(drive), kiv::Exception);
+    EXPECT_EQ(drive.counters().lockTray, 1u);
+    EXPECT_EQ(drive.counters().unlockTray, 1u);
+    EXPECT_EQ(drive.calls.back(), "unlock");
+}
+
+struct ErrorRuleCase {
+    const char* name;
+    Parameters limits;
+    std::vector<uint64_t> failing;
+    TestResult result;
+    uint64_t reads;
+    std::vector<std::string> events;
+};
+
+TEST_F(LinearSeek, ErrorRulesInPlace) {
+    // 100 reads of one sector each, sectors 0 to 99.
+    const std::vector<uint64_t> tenNotLast = {3, 9, 15, 21, 30, 44, 50, 61, 77, 88};
+    const std::vector<uint64_t> tenWithLast = {3, 9, 15, 21, 30, 44, 50, 61, 77, 99};
+    const ErrorRuleCase cases[] = {
+        {"no minimum: one error fails", {{"MaxErrors", "10"}}, {50}, TestResult::FAIL, 100, {}},
+        {"above the threshold, last read good", {{"MaxErrors", "100"}, {"MinErrorPercentage", "5"}}, tenNotLast, TestResult::PASS, 100, {}},
+        {"above the threshold, last read failed", {{"MaxErrors", "100"}, {"MinErrorPercentage", "5"}}, tenWithLast, TestResult::FAIL, 100, {}},
+        {"under the threshold", {{"MaxErrors", "100"}, {"MinErrorPercentage", "5"}}, {3, 40, 99}, TestResult::PASS, 100, {"TEST_PASSED_WITH_ERRORS"}},
+        {"stop at MaxErrors without a minimum", {{"MaxErrors", "3"}}, {10, 20, 30, 40, 50}, TestResult::FAIL, 31, {"MAX_ERRORS_EXCEEDED"}},
+        {"stop once above the threshold", {{"MaxErrors", "3"}, {"MinErrorPercentage", "5"}}, stepsFrom(0, 1, 10), TestResult::FAIL, 6, {"TEST_FAILED_THRESHOLD"}},
+        {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, stepsFrom(0, 1, 20), TestResult::FAIL, 100, {}},
+        {"MaxErrors 0 with a minimum passes", {{"MaxErrors", "0"}, {"MinErrorPercentage", "5"}}, stepsFrom(0, 2, 50), TestResult::PASS, 100, {"TEST_PASSED_WITH_ERRORS"}},
+    };
+    for (const ErrorRuleCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        set("EndRange", "100");
+        set("NumberOfSeeks", "100");
+        setAll(c.limits);
+        CallRecordingDrive drive(device, driveOf(1000));
+        for (const uint64_t sector : c.failing) drive.injectFault(sector, sim::SectorFault::ReadFails);
+
+        EXPECT_EQ(run(drive), c.result);
+
+        EXPECT_EQ(drive.operations().size(), c.reads);
+        EXPECT_EQ(host.eventKeys(), c.events);
+        EXPECT_EQ(host.lastPercent(), std::optional<unsigned>(100));
+    }
+}
+
+TEST_F(LinearSeek, PassedWithErrorsCountsAgainstThePlannedReads) {
+    // 10 sectors, jump 3: four reads but three planned, so one error is 33.33 percent.
+    set("EndRange", "10");
+    set("NumberOfSeeks", "3");
+    set("MaxErrors", "10");
+    set("MinErrorPercentage", "40");
+    CallRecordingDrive drive(device, driveOf(100));
+    drive.injectFault(3, sim::SectorFault::ReadFails);
+
+    EXPECT_EQ(run(drive), TestResult::PASS);
+
+    const auto warnings = host.eventsWithKey("TEST_PASSED_WITH_ERRORS");
+    ASSERT_EQ(warnings.size(), 1u);
+    EXPECT_EQ(warnings[0].get(L"percent").toString().toUtf8(), "33.33");
+    EXPECT_EQ(warnings[0].get(L"threshold_percent").toString().toUtf8(), "40.00");
+    EXPECT_EQ(warnings[0].source, "libDrive/DriveTest");
+}
+
+TEST_F(LinearSeek, ReportsAboutOnceASecondWithALowEarlyEstimate) {
+    for (const bool estimates : {false, true}) {
+        SCOPED_TRACE(estimates ? "drive wants estimates" : "no estimates");
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        clearLog();
+        set("EndRange", "3000");
+        set("NumberOfSeeks", "3000");
+        // Each read takes 10 ms, so a report falls due every 101 reads.
+        CallRecordingDrive drive(device, driveOf(3000, 512, 10));
+        drive.switches().provideEstimatedTime = estimates;
+
+        EXPECT_EQ(run(drive), TestResult::PASS);
+
+        const auto progress = host.progressReports();
+        ASSERT_EQ(progress.size(), 29u);
+        for (std::size_t i = 0; i < progress.size(); ++i) {
+            EXPECT_EQ(progress[i].key, "READ_SECTOR");
+            EXPECT_EQ(progress[i].get(L"ReadSector"), quel5::Value(101u * (i + 1)));
+            EXPECT_EQ(progress[i].get(L"EndSector"), quel5::Value(3000u));
+            EXPECT_EQ(progress[i].intervalMs, 0.0);
+            if (i > 0) {
+                EXPECT_GT(progress[i].timeMs - progress[i - 1].timeMs, 1000u);
+            }
+        }
+        const std::vector<unsigned> percents = host.percents();
+        ASSERT_EQ(percents.size(), 30u);
+        EXPECT_EQ(percents[0], 3u);
+        EXPECT_EQ(percents[9], 33u);
+        EXPECT_EQ(percents[28], 97u);
+        EXPECT_EQ(percents[29], 100u);
+        EXPECT_EQ(host.stopPolls(), 29u);
+
+        // The first estimate divides 101 samples by a full ring: 1010 ms * 2899 steps -> 2 s.
+        const std::vector<std::string> estimatesLogged = logged("libDrive.LinearSeekTest", 1);
+        const auto count231 = std::count_if(estimatesLogged.begin(), estimatesLogged.end(),
+                                            [](const std::string& line) {
+                                                return line.rfind("231 ", 0) == 0;
+                                            });
+        EXPECT_EQ(count231, 29);
+        EXPECT_TRUE(wasLogged("libDrive.LinearSeekTest", 1, "231  Estimated Time Left 2"));
+        if (estimates) {
+            const std::vector<unsigned> left = host.timesLeft();
+            ASSERT_EQ(left.size(), 29u);
+            EXPECT_EQ(left[0], 2u);
+            EXPECT_EQ(left[9], 19u) << "ring full: 10000 ms * 1990 steps";
+            EXPECT_EQ(left[28], 0u);
+        } else {
+            EXPECT_TRUE(host.timesLeft().empty());
+        }
+    }
+}
+
+TEST_F(LinearSeek, EstimateIsTheTrueTimeLeftOnceTheRingIsFull) {
+    set("EndRange", "1500");
+    set("NumberOfSeeks", "1500");
+    // One second per read: reports after every second read, at read 2, 4, 6, ...
+    CallRecordingDrive drive(device, driveOf(1500, 512, 1000));
+    drive.switches().provideEstimatedTime = true;
+
+    EXPECT_EQ(run(drive), TestResult::PASS);
+
+    const std::vector<unsigned> left = host.timesLeft();
+    ASSERT_EQ(left.size(), 749u);
+    EXPECT_EQ(left[0], 2u) << "2 of 1000 samples: 2000 ms * 1498 reads";
+    for (std::size_t i = 500; i < left.size(); ++i) {
+        const unsigned read = 2 * static_cast<unsigned>(i + 1);
+        EXPECT_EQ(left[i], 1500 - read) << "at read " << read;
+    }
+    const std::vector<unsigned> percents = host.percents();
+    ASSERT_EQ(percents.size(), 750u);
+    EXPECT_EQ(percents[6], 0u) << "read 14 of 1500";
+    EXPECT_EQ(percents[7], 1u) << "read 16 of 1500";
+}
+
+struct StopCase {
+    const char* name;
+    unsigned pollsBeforeStop;
+    Parameters limits;
+    std::vector<uint64_t> failing;
+    TestResult result;
+    uint64_t reads;
+};
+
+TEST_F(LinearSeek, StopRequestsAreSeenAtReports) {
+    const StopCase cases[] = {
+        {"first report", 0, {}, {}, TestResult::USERABORTED, 102},
+        {"second report", 1, {}, {}, TestResult::USERABORTED, 203},
+        {"with an error and no minimum", 0, {{"MaxErrors", "10"}}, {5}, TestResult::FAIL, 102},
+        {"with an error under a minimum", 0, {{"MaxErrors", "10"}, {"MinErrorPercentage", "5"}}, {5}, TestResult::USERABORTED, 102},
+    };
+    for (const StopCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        set("EndRange", "3000");
+        set("NumberOfSeeks", "3000");
+        setAll(c.limits);
+        host.stopAfterPolls(c.pollsBeforeStop);
+        CallRecordingDrive drive(device, driveOf(3000, 512, 10));
+        for (const uint64_t sector : c.failing) drive.injectFault(sector, sim::SectorFault::ReadFails);
+
+        EXPECT_EQ(run(drive), c.result);
+
+        EXPECT_EQ(drive.operations().size(), c.reads);
+        EXPECT_EQ(host.stopPolls(), c.pollsBeforeStop + 1);
+        EXPECT_EQ(host.lastPercent(), std::optional<unsigned>(100));
+        EXPECT_EQ(drive.counters().unlockTray, 1u);
+        EXPECT_TRUE(host.events().empty());
+    }
+}
+
+struct RerunCase {
+    const char* name;
+    bool failing;
+    bool allowed;
+    bool confirmed;
+    bool heals;
+    TestResult passResult;
+    TestResult result;
+    unsigned passes;
+};
+
+TEST_F(LinearSeek, OneRerunAfterAFailureAndThePassResultOfTheDrive) {
+    const RerunCase cases[] = {
+        {"healed by the re-run", true, true, true, true, TestResult::PASS, TestResult::PASS, 2},
+        {"failing again", true, true, true, false, TestResult::PASS, TestResult::FAIL, 2},
+        {"declined", true, true, false, false, TestResult::PASS, TestResult::FAIL, 1},
+        {"not allowed", true, false, true, true, TestResult::PASS, TestResult::FAIL, 1},
+        {"pass replaced", false, false, false, false, TestResult::WARN, TestResult::WARN, 1},
+        {"healed pass replaced", true, true, true, true, TestResult::NOMEDIA, TestResult::NOMEDIA, 2},
+        {"failure kept", true, false, false, false, TestResult::WARN, TestResult::FAIL, 1},
+    };
+    for (const RerunCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        set("EndRange", "10");
+        set("NumberOfSeeks", "10");
+        CallRecordingDrive drive(device, driveOf(100));
+        if (c.failing) drive.injectFault(4, sim::SectorFault::ReadFails);
+        drive.switches().rerunAllowed = c.allowed;
+        drive.switches().confirmRerun = c.confirmed;
+        drive.switches().passResult = c.passResult;
+        drive.healOnConfirmedRerun = c.heals;
+
+        EXPECT_EQ(run(drive), c.result);
+
+        const std::vector<std::string> onePass = passCalls(stepsFrom(0, 1, 10));
+        std::vector<std::string> expected = onePass;
+        if (c.failing) {
+            expected.push_back("rerun?");
+            if (c.allowed) expected.push_back("confirm?");
+            if (c.allowed && c.confirmed) expected.insert(expected.end(), onePass.begin(), onePass.end());
+        }
+        if (c.result != TestResult::FAIL) expected.push_back("pass?");
+        EXPECT_EQ(drive.calls, expected);
+        EXPECT_EQ(drive.counters().lockTray, c.passes);
+
+        const auto reports = host.reports();
+        std::vector<std::string> order;
+        for (const testsupport::Report& report : reports) {
+            if (std::holds_alternative<testsupport::ResetPercentReport>(report)) order.push_back("reset");
+            if (const auto* event = std::get_if<testsupport::EventReport>(&report)) {
+                order.push_back(event->key);
+                EXPECT_EQ(event->severity, quel5::Severity::INFORMATIVE);
+                EXPECT_EQ(event->source, "libDrive/LinearSeekTest");
+            }
+            if (const auto* percent = std::get_if<testsupport::PercentReport>(&report)) {
+                order.push_back(std::to_string(percent->percent));
+            }
+        }
+        const std::vector<std::string> expectedOrder =
+            c.passes == 2 ? std::vector<std::string>{"100", "reset", "RERUN_TEST", "100"}
+                          : std::vector<std::string>{"100"};
+        EXPECT_EQ(order, expectedOrder);
+    }
+}
+
+TEST_F(LinearSeek, TracesItsMembersWhileDetailIsLogged) {
+    set("EndRange", "10");
+    set("NumberOfSeeks", "10");
+    CallRecordingDrive drive(device, driveOf(100));
+    ASSERT_EQ(run(drive), TestResult::PASS);
+    const auto mentions = [this](const char* logger, const std::string& function) {
+        for (const std::string& line : logged(logger, 1)) {
+            if (line.find("Entering " + function) != std::string::npos) return true;
+        }
+        return false;
+    };
+    EXPECT_TRUE(mentions("libDrive.LinearSeekTest", "CLinearSeekTest::Run"));
+    EXPECT_TRUE(mentions("libDrive.LinearSeekTest", "CLinearSeekTest::DoTesting"));
+    EXPECT_TRUE(mentions("libDrive.DriveTest", "DriveTest::DriveTest"));
+    EXPECT_TRUE(mentions("libDrive.DriveTest", "Initialize"));
+    EXPECT_TRUE(mentions("libDrive.Range", "CRange::GetRange"));
+}
+
+}  // namespace
