@@ -1,0 +1,149 @@
+// SG_IO pass-through for Linux SCSI generic and CD-ROM block devices (/dev/sg*, /dev/sr*).
+#include <fcntl.h>
+#include <scsi/sg.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "NativeTransport.h"
+#include "os/Clock.h"
+
+namespace kivscsi {
+namespace {
+
+// Values of sg_io_hdr.host_status and driver_status the kernel reports.
+constexpr unsigned kHostNoConnect = 0x01;
+constexpr unsigned kHostTimeOut = 0x03;
+constexpr unsigned kHostBadTarget = 0x04;
+constexpr unsigned kDriverTimeout = 0x06;
+constexpr unsigned kDriverStatusMask = 0x0F;
+
+Status statusForOpenError(int error) {
+    switch (error) {
+        case ENOENT:
+        case ENXIO:
+        case ENODEV:
+            return kStatusNoSuchDevice;
+        case EACCES:
+        case EPERM:
+        case EBUSY:
+        case EROFS:
+            return kStatusAccessDenied;
+        default:
+            return kStatusTransportError;
+    }
+}
+
+Status statusForIoctlError(int error) {
+    switch (error) {
+        case ENODEV:
+        case ENXIO:
+            return kStatusDeviceGone;
+        case ETIMEDOUT:
+            return kStatusTimedOut;
+        case ENOTTY:
+        case EINVAL:
+            return kStatusNotScsiDevice;
+        case ENOMEM:
+            return kStatusInvalidRequest;
+        case EACCES:
+        case EPERM:
+            return kStatusAccessDenied;
+        default:
+            return kStatusTransportError;
+    }
+}
+
+int sgDirection(DataDirection direction) {
+    switch (direction) {
+        case DataDirection::FromDevice:
+            return SG_DXFER_FROM_DEV;
+        case DataDirection::ToDevice:
+            return SG_DXFER_TO_DEV;
+        case DataDirection::None:
+            break;
+    }
+    return SG_DXFER_NONE;
+}
+
+class SgTransport : public Transport {
+public:
+    explicit SgTransport(int fd) : fd_(fd) {}
+    ~SgTransport() override { ::close(fd_); }
+
+    ScsiResponse send(const ScsiCommand& command) override {
+        ScsiResponse response;
+        if (command.cdbLength == 0 || command.cdbLength > kMaxCdbLength ||
+            (command.direction != DataDirection::None && command.bufferLength > 0 &&
+             command.buffer == nullptr)) {
+            response.transportStatus = kStatusInvalidRequest;
+            return response;
+        }
+        const bool hasData = command.direction != DataDirection::None && command.bufferLength > 0;
+        unsigned char cdb[kMaxCdbLength];
+        std::copy(command.cdb.begin(), command.cdb.end(), cdb);
+
+        sg_io_hdr_t io{};
+        io.interface_id = 'S';
+        io.dxfer_direction = hasData ? sgDirection(command.direction) : SG_DXFER_NONE;
+        io.cmd_len = command.cdbLength;
+        io.cmdp = cdb;
+        io.mx_sb_len = static_cast<unsigned char>(response.sense.size());
+        io.sbp = response.sense.data();
+        io.dxfer_len = hasData ? command.bufferLength : 0;
+        io.dxferp = hasData ? command.buffer : nullptr;
+        io.timeout = command.timeoutMs;
+
+        const uint64_t start = os::clock().monotonicMilliseconds();
+        const int result = ::ioctl(fd_, SG_IO, &io);
+        const int error = errno;
+        response.durationMs = static_cast<uint32_t>(
+            std::min<uint64_t>(os::clock().monotonicMilliseconds() - start, UINT32_MAX));
+        if (result < 0) {
+            response.transportStatus = statusForIoctlError(error);
+            return response;
+        }
+        if (io.host_status == kHostTimeOut ||
+            (io.driver_status & kDriverStatusMask) == kDriverTimeout) {
+            response.transportStatus = kStatusTimedOut;
+            return response;
+        }
+        if (io.host_status == kHostNoConnect || io.host_status == kHostBadTarget) {
+            response.transportStatus = kStatusDeviceGone;
+            return response;
+        }
+        if (io.host_status != 0) {
+            response.transportStatus = kStatusAdapterError;
+            return response;
+        }
+        response.scsiStatus = io.status;
+        response.senseLength = std::min<uint8_t>(io.sb_len_wr, kMaxSenseLength);
+        response.residual =
+            hasData ? std::clamp<uint32_t>(io.resid, 0, command.bufferLength) : 0;
+        return response;
+    }
+
+private:
+    int fd_;
+};
+
+}  // namespace
+
+OpenResult openNativeTransport(const std::string& deviceName) {
+    // O_NONBLOCK lets a CD-ROM device open without a disc in it.
+    int fd = ::open(deviceName.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0 && (errno == EACCES || errno == EROFS)) {
+        fd = ::open(deviceName.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    }
+    if (fd < 0) return {nullptr, statusForOpenError(errno)};
+    int version = 0;
+    if (::ioctl(fd, SG_GET_VERSION_NUM, &version) < 0) {
+        ::close(fd);
+        return {nullptr, kStatusNotScsiDevice};
+    }
+    return {std::make_unique<SgTransport>(fd), kStatusGood};
+}
+
+}  // namespace kivscsi
