@@ -75,8 +75,8 @@ quel5::TestResult DriveTest::Initialize() {
         return quel5::TestResult::INTERNALERROR;
     }
     if (totalSectors == 0) {
-        quel5::DiagModule::warning(LibDriveStrings::g_WarnEventTotalSectorGreaterThanZero,
-                                   kSource, __LINE__);
+        quel5::DiagModule::warning(LibDriveStrings::g_WarnEventTotalSectorGreaterThanZero, kSource,
+                                   __LINE__);
         return quel5::TestResult::WARN;
     }
 
@@ -162,8 +162,7 @@ void DriveTest::DisplayExitErrorEvent(const double& errors, const double& sector
     if (errors >= static_cast<double>(maxErrors)) {
         LibDriveStrings::g_errorEventMaxErrorsExceeded->setVariable(L"MaxError",
                                                                     quel5::Value(maxErrors));
-        quel5::DiagModule::error(LibDriveStrings::g_errorEventMaxErrorsExceeded, kSource,
-                                 __LINE__);
+        quel5::DiagModule::error(LibDriveStrings::g_errorEventMaxErrorsExceeded, kSource, __LINE__);
     }
 }
 
@@ -172,8 +171,8 @@ void DriveTest::ShowPassedWarning(const double& errors, const double& sectors) {
     const float share = static_cast<float>(errors) / static_cast<float>(sectors);
     const double percent = static_cast<double>(share) * 100.0;
     LibDriveStrings::g_WarnEventPassedWithErrors->setVariable(L"percent", percentText(percent));
-    LibDriveStrings::g_WarnEventPassedWithErrors->setVariable(
-        L"threshold_percent", percentText(GetMinErrorPercentage()));
+    LibDriveStrings::g_WarnEventPassedWithErrors->setVariable(L"threshold_percent",
+                                                              percentText(GetMinErrorPercentage()));
     quel5::DiagModule::warning(LibDriveStrings::g_WarnEventPassedWithErrors, kSource, __LINE__);
 }
 
@@ -182,8 +181,7 @@ void DriveTest::ShowThresholdFailed() {
     if (minimum > 0) {
         LibDriveStrings::g_WarnEventFailedThreshold->setVariable(L"threshold_percent",
                                                                  percentText(minimum));
-        quel5::DiagModule::warning(LibDriveStrings::g_WarnEventFailedThreshold, kSource,
-                                   __LINE__);
+        quel5::DiagModule::warning(LibDriveStrings::g_WarnEventFailedThreshold, kSource, __LINE__);
     }
 }
 

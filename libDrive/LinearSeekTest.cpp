@@ -30,7 +30,8 @@ quel5::TestResult CLinearSeekTest::Run() {
     if (checked != quel5::TestResult::PASS) {
         return checked;
     }
-    return RunOfferingRerun(drive, [this] { return DoTesting(); }, kSource, __LINE__);
+    return RunOfferingRerun(
+        drive, [this] { return DoTesting(); }, kSource, __LINE__);
 }
 
 quel5::TestResult CLinearSeekTest::DoTesting() {
@@ -50,8 +51,8 @@ quel5::TestResult CLinearSeekTest::DoTesting() {
     }
     if (startSector == endSector) {
         tray.Release();
-        quel5::DiagModule::warning(LibDriveStrings::g_WarnEventTotalSectorGreaterThanZero,
-                                   kSource, __LINE__);
+        quel5::DiagModule::warning(LibDriveStrings::g_WarnEventTotalSectorGreaterThanZero, kSource,
+                                   __LINE__);
         return quel5::TestResult::BADPARAMS;
     }
     const uint32_t size = drive.GetBytesPerSector();

@@ -16,9 +16,7 @@ void PassTiming::Start() {
     nextSlot_ = 0;
 }
 
-bool PassTiming::IsReportDue() const {
-    return previousStepEnd_ - lastReport_ > kReportIntervalMs;
-}
+bool PassTiming::IsReportDue() const { return previousStepEnd_ - lastReport_ > kReportIntervalMs; }
 
 void PassTiming::MarkReported() { lastReport_ = previousStepEnd_; }
 

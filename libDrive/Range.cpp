@@ -98,8 +98,8 @@ uint64_t truncatedSectors(double sectors) {
 
 }  // namespace
 
-CRange::CRange(const uint64_t& totalSectors, const unsigned int& bytesPerSector,
-               bool allowPercent, bool allowSeeks)
+CRange::CRange(const uint64_t& totalSectors, const unsigned int& bytesPerSector, bool allowPercent,
+               bool allowSeeks)
     : startRange(0),
       endRange(0),
       sectorTotalToTest(0),
@@ -185,8 +185,8 @@ CRange::CRange(const uint64_t& totalSectors, const unsigned int& bytesPerSector,
 
     const uint64_t span = endRange - startRange;
     if (usePercent) {
-        sectorTotalToTest = truncatedSectors(static_cast<double>(span) *
-                                             (sectorPercentToTest / 100.0));
+        sectorTotalToTest =
+            truncatedSectors(static_cast<double>(span) * (sectorPercentToTest / 100.0));
         if (sectorTotalToTest != 0) {
             jumpCount = span / sectorTotalToTest;
         }

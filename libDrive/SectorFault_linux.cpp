@@ -5,8 +5,7 @@ namespace kivrlibdrive {
 
 // No structured exceptions here; an exception the caller can catch is the nearest equivalent.
 void raiseSectorFault() {
-    throw kiv::InternalError(L"structured exception " +
-                             kiv::String::fromNumber(kSectorFaultCode) +
+    throw kiv::InternalError(L"structured exception " + kiv::String::fromNumber(kSectorFaultCode) +
                              L": the end of a sector span must lie above its start");
 }
 

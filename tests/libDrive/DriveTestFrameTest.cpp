@@ -31,13 +31,6 @@ protected:
     quel5::DiagDevice device{L"sim:frame"};
 };
 
-TEST_F(DriveTestFrame, PublishedConstants) {
-    const uint32_t maxErrors = kivrlibdrive::DriveTest::DEFAULT_MAX_ERRORS;
-    const uint64_t minimumJump = kivrlibdrive::DriveTest::MINIMUM_JUMP_BY_VALUE;
-    EXPECT_EQ(maxErrors, 10u);
-    EXPECT_EQ(minimumJump, 1u);
-}
-
 TEST_F(DriveTestFrame, RunChecksTheHandle) {
     for (const bool invalid : {false, true}) {
         SCOPED_TRACE(invalid);
@@ -46,9 +39,8 @@ TEST_F(DriveTestFrame, RunChecksTheHandle) {
         drive.switches().invalidHandle = invalid;
         FrameProbe test(drive);
         EXPECT_EQ(test.Run(), invalid ? TestResult::NODEVICE : TestResult::PASS);
-        EXPECT_EQ(host.eventKeys(),
-                  invalid ? std::vector<std::string>{"INVALID_DRIVE_HANDLE"}
-                          : std::vector<std::string>{});
+        EXPECT_EQ(host.eventKeys(), invalid ? std::vector<std::string>{"INVALID_DRIVE_HANDLE"}
+                                            : std::vector<std::string>{});
         if (invalid) {
             EXPECT_EQ(host.events()[0].source, "libDrive/DriveTest");
         }
@@ -67,6 +59,7 @@ struct InitializeCase {
 };
 
 TEST_F(DriveTestFrame, InitializeRefusesWhatCannotBeTested) {
+    // clang-format off
     const InitializeCase cases[] = {
         {"no sectors", 0, 512, false, {{"NumberOfSeeks", "10"}}, TestResult::WARN, {"TOTAL_SECTOR_GREATER_THAN_ZERO"}, {}},
         {"geometry unreadable", 100, 512, true, {{"NumberOfSeeks", "10"}}, TestResult::INTERNALERROR, {"UNABLE_TO_GET_DRIVE_GEOMETRY"}, {}},
@@ -89,6 +82,7 @@ TEST_F(DriveTestFrame, InitializeRefusesWhatCannotBeTested) {
          TestResult::INTERNALERROR, {}, {}},
         {"sector size 0 with a size text", 100, 0, false, {{"NumberOfSeeks", "10"}, {"StartRange", "1KB"}}, TestResult::INTERNALERROR, {}, {}},
     };
+    // clang-format on
     for (const InitializeCase& c : cases) {
         SCOPED_TRACE(c.name);
         quel5::Registry::instance().clearAllParameters();
@@ -117,7 +111,8 @@ TEST_F(DriveTestFrame, MoreSectorsThanTheSpanIsRefused) {
     set("EndRange", "100");
     sim::SimulatedDrive drive(device, drivetests::driveOf(1000));
     // A host may store any percentage; one above 100 asks for more sectors than the span has.
-    quel5::Registry::instance().findParameter(L"SectorPercentToTest")
+    quel5::Registry::instance()
+        .findParameter(L"SectorPercentToTest")
         ->setValue(quel5::Value::percent(150.0));
     FrameProbe test(drive);
     EXPECT_EQ(test.Initialize(), TestResult::BADPARAMS);
@@ -133,12 +128,14 @@ struct AcceptedCase {
 };
 
 TEST_F(DriveTestFrame, InitializeTakesTheRangeAndClearsTheErrorLimit) {
+    // clang-format off
     const AcceptedCase cases[] = {
         {"seeks", 100000, 512, {{"NumberOfSeeks", "10"}, {"StartRange", "100"}, {"EndRange", "1100"}}, 100, 1100, 100, 10, 0},
         {"percent", 100000, 4096, {{"SectorPercentToTest", "10"}, {"StartRange", "1000"}, {"EndRange", "2000"}}, 1000, 2000, 10, 0, 100},
         {"end beyond the capacity", 1000, 512, {{"NumberOfSeeks", "5000"}, {"EndRange", "MIN+2000"}}, 0, 1000, 1, 1000, 0},
         {"percent too small for one sector", 1000, 512, {{"SectorPercentToTest", "1"}, {"EndRange", "50"}}, 0, 50, 1, 0, 0},
     };
+    // clang-format on
     for (const AcceptedCase& c : cases) {
         SCOPED_TRACE(c.name);
         quel5::Registry::instance().clearAllParameters();
@@ -183,6 +180,7 @@ struct ThresholdCase {
 };
 
 TEST_F(DriveTestFrame, ErrorsUnderTheThresholdPassWithAWarning) {
+    // clang-format off
     const ThresholdCase cases[] = {
         {{"10", "5"}, 3, 100, TestResult::FAIL, TestResult::PASS, "3.00", "5.00"},
         {{"10", "5"}, 5, 100, TestResult::FAIL, TestResult::PASS, "5.00", "5.00"},
@@ -202,11 +200,12 @@ TEST_F(DriveTestFrame, ErrorsUnderTheThresholdPassWithAWarning) {
         {{"10", "5"}, 1, 160, TestResult::FAIL, TestResult::PASS, "0.63", "5.00"},
         {{"10", "50"}, 1, 3, TestResult::FAIL, TestResult::PASS, "33.33", "50.00"},
     };
+    // clang-format on
     for (const ThresholdCase& c : cases) {
-        SCOPED_TRACE(testing::Message() << (c.limits.maxErrors ? c.limits.maxErrors : "-") << "/"
-                                        << (c.limits.minPercent ? c.limits.minPercent : "-")
-                                        << " " << c.errors << " of " << c.sectors << " "
-                                        << c.given.name());
+        SCOPED_TRACE(testing::Message()
+                     << (c.limits.maxErrors ? c.limits.maxErrors : "-") << "/"
+                     << (c.limits.minPercent ? c.limits.minPercent : "-") << " " << c.errors
+                     << " of " << c.sectors << " " << c.given.name());
         quel5::Registry::instance().clearAllParameters();
         host.clear();
         applyLimits(c.limits);
@@ -237,6 +236,7 @@ struct ExitCase {
 };
 
 TEST_F(DriveTestFrame, EarlyExitSaysWhy) {
+    // clang-format off
     const ExitCase cases[] = {
         {{"10", "5"}, 10, 100, "TEST_FAILED_THRESHOLD", "threshold_percent", "5.00"},
         {{"10", "50"}, 10, 100, "MAX_ERRORS_EXCEEDED", "MaxError", "10"},
@@ -246,10 +246,11 @@ TEST_F(DriveTestFrame, EarlyExitSaysWhy) {
         {{"10", "50"}, 9, 100, nullptr, nullptr, nullptr},
         {{"3", "5"}, 5, 100, "MAX_ERRORS_EXCEEDED", "MaxError", "3"},
     };
+    // clang-format on
     for (const ExitCase& c : cases) {
         SCOPED_TRACE(testing::Message() << c.limits.maxErrors << "/"
-                                        << (c.limits.minPercent ? c.limits.minPercent : "-")
-                                        << " " << c.errors << " of " << c.sectors);
+                                        << (c.limits.minPercent ? c.limits.minPercent : "-") << " "
+                                        << c.errors << " of " << c.sectors);
         quel5::Registry::instance().clearAllParameters();
         host.clear();
         applyLimits(c.limits);
@@ -269,33 +270,6 @@ TEST_F(DriveTestFrame, EarlyExitSaysWhy) {
         EXPECT_EQ(events[0].source, "libDrive/DriveTest");
         EXPECT_EQ(events[0].names(), std::vector<std::string>{c.variable});
         EXPECT_EQ(events[0].get(kiv::String::fromUtf8(c.variable)).toString().toUtf8(), c.value);
-    }
-}
-
-TEST_F(DriveTestFrame, ThresholdReadersAndTheirDefaults) {
-    const struct {
-        Limits limits;
-        uint32_t maxErrors;
-        double minPercent;
-        bool reachedAtOneInTen;  // IsErrorThresholdReached(1, 10)
-    } cases[] = {
-        {{"10", nullptr}, 10, 0.0, true},
-        {{"10", "10"}, 10, 10.0, false},
-        {{"10", "9.5"}, 10, 9.5, true},
-        {{"0", "1"}, 0, 1.0, false},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.limits.maxErrors);
-        quel5::Registry::instance().clearAllParameters();
-        applyLimits(c.limits);
-        sim::SimulatedDrive drive(device, drivetests::driveOf(100));
-        FrameProbe test(drive);
-        EXPECT_EQ(test.GetMaxErrors(), c.maxErrors);
-        EXPECT_DOUBLE_EQ(test.GetMinErrorPercentage(), c.minPercent);
-        EXPECT_EQ(test.IsErrorThresholdReached(1, 10), c.reachedAtOneInTen);
-        host.clear();
-        test.ShowThresholdFailed();
-        EXPECT_EQ(host.eventKeys().size(), c.minPercent > 0 ? 1u : 0u);
     }
 }
 

@@ -126,7 +126,8 @@ public:
     // The sectors read, in order.
     std::vector<uint64_t> readSectors() const {
         std::vector<uint64_t> sectors;
-        for (const sim::Operation& operation : operations()) sectors.push_back(operation.startSector);
+        for (const sim::Operation& operation : operations())
+            sectors.push_back(operation.startSector);
         return sectors;
     }
 };

@@ -52,6 +52,7 @@ struct WalkCase {
 };
 
 TEST_F(LinearSeek, ReadsOneSectorAtEveryJumpFromStartToEnd) {
+    // clang-format off
     const WalkCase cases[] = {
         {"jump 3 over 10 sectors", 100, {{"StartRange", "0"}, {"EndRange", "10"}, {"NumberOfSeeks", "3"}}, {0, 3, 6, 9}},
         {"jump as long as the range", 1000, {{"StartRange", "100"}, {"EndRange", "110"}, {"NumberOfSeeks", "1"}}, {100}},
@@ -62,6 +63,7 @@ TEST_F(LinearSeek, ReadsOneSectorAtEveryJumpFromStartToEnd) {
         {"whole drive", 64, {{"NumberOfSeeks", "64"}}, stepsFrom(0, 1, 64)},
         {"end beyond the capacity", 50, {{"StartRange", "40"}, {"EndRange", "MIN+80"}, {"NumberOfSeeks", "100"}}, stepsFrom(40, 1, 10)},
     };
+    // clang-format on
     for (const WalkCase& c : cases) {
         SCOPED_TRACE(c.name);
         quel5::Registry::instance().clearAllParameters();
@@ -99,6 +101,7 @@ struct ExitCase {
 TEST_F(LinearSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
     const Parameters tenSectors = {{"EndRange", "10"}, {"NumberOfSeeks", "10"}};
     const auto nothing = [](CallRecordingDrive&) {};
+    // clang-format off
     const ExitCase cases[] = {
         {"no handle", 100, 512, tenSectors,
          [](CallRecordingDrive& d) { d.switches().invalidHandle = true; },
@@ -135,6 +138,7 @@ TEST_F(LinearSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
          },
          TestResult::FAIL, 2, {"RERUN_TEST"}, {}},
     };
+    // clang-format on
     for (const ExitCase& c : cases) {
         SCOPED_TRACE(c.name);
         quel5::Registry::instance().clearAllParameters();
@@ -182,6 +186,7 @@ TEST_F(LinearSeek, ErrorRulesInPlace) {
     // 100 reads of one sector each, sectors 0 to 99.
     const std::vector<uint64_t> tenNotLast = {3, 9, 15, 21, 30, 44, 50, 61, 77, 88};
     const std::vector<uint64_t> tenWithLast = {3, 9, 15, 21, 30, 44, 50, 61, 77, 99};
+    // clang-format off
     const ErrorRuleCase cases[] = {
         {"no minimum: one error fails", {{"MaxErrors", "10"}}, {50}, TestResult::FAIL, 100, {}},
         {"above the threshold, last read good", {{"MaxErrors", "100"}, {"MinErrorPercentage", "5"}}, tenNotLast, TestResult::PASS, 100, {}},
@@ -192,6 +197,7 @@ TEST_F(LinearSeek, ErrorRulesInPlace) {
         {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, stepsFrom(0, 1, 20), TestResult::FAIL, 100, {}},
         {"MaxErrors 0 with a minimum passes", {{"MaxErrors", "0"}, {"MinErrorPercentage", "5"}}, stepsFrom(0, 2, 50), TestResult::PASS, 100, {"TEST_PASSED_WITH_ERRORS"}},
     };
+    // clang-format on
     for (const ErrorRuleCase& c : cases) {
         SCOPED_TRACE(c.name);
         quel5::Registry::instance().clearAllParameters();
@@ -200,7 +206,8 @@ TEST_F(LinearSeek, ErrorRulesInPlace) {
         set("NumberOfSeeks", "100");
         setAll(c.limits);
         CallRecordingDrive drive(device, driveOf(1000));
-        for (const uint64_t sector : c.failing) drive.injectFault(sector, sim::SectorFault::ReadFails);
+        for (const uint64_t sector : c.failing)
+            drive.injectFault(sector, sim::SectorFault::ReadFails);
 
         EXPECT_EQ(run(drive), c.result);
 
@@ -263,10 +270,9 @@ TEST_F(LinearSeek, ReportsAboutOnceASecondWithALowEarlyEstimate) {
 
         // The first estimate divides 101 samples by a full ring: 1010 ms * 2899 steps -> 2 s.
         const std::vector<std::string> estimatesLogged = logged("libDrive.LinearSeekTest", 1);
-        const auto count231 = std::count_if(estimatesLogged.begin(), estimatesLogged.end(),
-                                            [](const std::string& line) {
-                                                return line.rfind("231 ", 0) == 0;
-                                            });
+        const auto count231 =
+            std::count_if(estimatesLogged.begin(), estimatesLogged.end(),
+                          [](const std::string& line) { return line.rfind("231 ", 0) == 0; });
         EXPECT_EQ(count231, 29);
         EXPECT_TRUE(wasLogged("libDrive.LinearSeekTest", 1, "231  Estimated Time Left 2"));
         if (estimates) {
@@ -313,12 +319,14 @@ struct StopCase {
 };
 
 TEST_F(LinearSeek, StopRequestsAreSeenAtReports) {
+    // clang-format off
     const StopCase cases[] = {
         {"first report", 0, {}, {}, TestResult::USERABORTED, 102},
         {"second report", 1, {}, {}, TestResult::USERABORTED, 203},
         {"with an error and no minimum", 0, {{"MaxErrors", "10"}}, {5}, TestResult::FAIL, 102},
         {"with an error under a minimum", 0, {{"MaxErrors", "10"}, {"MinErrorPercentage", "5"}}, {5}, TestResult::USERABORTED, 102},
     };
+    // clang-format on
     for (const StopCase& c : cases) {
         SCOPED_TRACE(c.name);
         quel5::Registry::instance().clearAllParameters();
@@ -328,7 +336,8 @@ TEST_F(LinearSeek, StopRequestsAreSeenAtReports) {
         setAll(c.limits);
         host.stopAfterPolls(c.pollsBeforeStop);
         CallRecordingDrive drive(device, driveOf(3000, 512, 10));
-        for (const uint64_t sector : c.failing) drive.injectFault(sector, sim::SectorFault::ReadFails);
+        for (const uint64_t sector : c.failing)
+            drive.injectFault(sector, sim::SectorFault::ReadFails);
 
         EXPECT_EQ(run(drive), c.result);
 
@@ -352,6 +361,7 @@ struct RerunCase {
 };
 
 TEST_F(LinearSeek, OneRerunAfterAFailureAndThePassResultOfTheDrive) {
+    // clang-format off
     const RerunCase cases[] = {
         {"healed by the re-run", true, true, true, true, TestResult::PASS, TestResult::PASS, 2},
         {"failing again", true, true, true, false, TestResult::PASS, TestResult::FAIL, 2},
@@ -361,6 +371,7 @@ TEST_F(LinearSeek, OneRerunAfterAFailureAndThePassResultOfTheDrive) {
         {"healed pass replaced", true, true, true, true, TestResult::NOMEDIA, TestResult::NOMEDIA, 2},
         {"failure kept", true, false, false, false, TestResult::WARN, TestResult::FAIL, 1},
     };
+    // clang-format on
     for (const RerunCase& c : cases) {
         SCOPED_TRACE(c.name);
         quel5::Registry::instance().clearAllParameters();
@@ -381,7 +392,8 @@ TEST_F(LinearSeek, OneRerunAfterAFailureAndThePassResultOfTheDrive) {
         if (c.failing) {
             expected.push_back("rerun?");
             if (c.allowed) expected.push_back("confirm?");
-            if (c.allowed && c.confirmed) expected.insert(expected.end(), onePass.begin(), onePass.end());
+            if (c.allowed && c.confirmed)
+                expected.insert(expected.end(), onePass.begin(), onePass.end());
         }
         if (c.result != TestResult::FAIL) expected.push_back("pass?");
         EXPECT_EQ(drive.calls, expected);
@@ -390,7 +402,8 @@ TEST_F(LinearSeek, OneRerunAfterAFailureAndThePassResultOfTheDrive) {
         const auto reports = host.reports();
         std::vector<std::string> order;
         for (const testsupport::Report& report : reports) {
-            if (std::holds_alternative<testsupport::ResetPercentReport>(report)) order.push_back("reset");
+            if (std::holds_alternative<testsupport::ResetPercentReport>(report))
+                order.push_back("reset");
             if (const auto* event = std::get_if<testsupport::EventReport>(&report)) {
                 order.push_back(event->key);
                 EXPECT_EQ(event->severity, quel5::Severity::INFORMATIVE);
