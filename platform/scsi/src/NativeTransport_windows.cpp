@@ -1,5 +1,7 @@
 // SCSI pass-through direct for Windows devices (\\.\CdRom0, \\.\E:).
 #include <windows.h>
+// winioctl.h first: the lean windows.h leaves out what ntddscsi.h builds on.
+#include <winioctl.h>
 #include <ntddscsi.h>
 
 #include <algorithm>
@@ -26,7 +28,7 @@ Status statusForOpenError(DWORD error) {
         case ERROR_FILE_NOT_FOUND:
         case ERROR_PATH_NOT_FOUND:
         case ERROR_INVALID_NAME:
-        case ERROR_NO_SUCH_DEVICE:
+        case ERROR_DEV_NOT_EXIST:
             return kStatusNoSuchDevice;
         case ERROR_ACCESS_DENIED:
         case ERROR_SHARING_VIOLATION:
@@ -40,7 +42,6 @@ Status statusForIoctlError(DWORD error) {
     switch (error) {
         case ERROR_DEVICE_NOT_CONNECTED:
         case ERROR_DEV_NOT_EXIST:
-        case ERROR_NO_SUCH_DEVICE:
         case ERROR_FILE_NOT_FOUND:
         case ERROR_DEVICE_REMOVED:
             return kStatusDeviceGone;

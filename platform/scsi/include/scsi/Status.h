@@ -38,6 +38,8 @@ inline constexpr Status kStatusReservationConflict = 0xAA07;
 inline constexpr Status kStatusUnexpectedScsiStatus = 0xAA08;
 // The host adapter or its driver reported an error (bus reset, aborted command, ...).
 inline constexpr Status kStatusAdapterError = 0xAA09;
+// GOOD status, but fewer data bytes than a call needs to give its answer (READ CAPACITY).
+inline constexpr Status kStatusShortAnswer = 0xAA0A;
 
 // --- 0xABxx: the device could not be reached ---
 // The device name is empty or not a form any transport accepts.

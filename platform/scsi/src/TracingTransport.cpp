@@ -1,0 +1,63 @@
+#include "scsi/TracingTransport.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "kiv/Log.h"
+#include "scsi/Sense.h"
+
+namespace kivscsi {
+namespace {
+
+constexpr int kTracePriority = 1;
+
+kiv::Logger* traceLogger() {
+    static kiv::Logger* slot = nullptr;
+    if (slot == nullptr) kiv::LogFactory::createLogger(kTraceLoggerName, &slot);
+    return slot;
+}
+
+void appendHex(std::string& out, const uint8_t* bytes, size_t count) {
+    char digits[4];
+    for (size_t i = 0; i < count; ++i) {
+        std::snprintf(digits, sizeof(digits), i == 0 ? "%02X" : " %02X", bytes[i]);
+        out += digits;
+    }
+}
+
+std::string traceLine(const std::string& device, const ScsiCommand& command,
+                      const ScsiResponse& response) {
+    std::string line = device + " CDB ";
+    appendHex(line, command.cdb.data(), std::min<size_t>(command.cdbLength, kMaxCdbLength));
+    char text[64];
+    std::snprintf(text, sizeof(text), " -> %04X in %u ms",
+                  static_cast<unsigned>(statusFromResponse(response)),
+                  static_cast<unsigned>(response.durationMs));
+    line += text;
+    if (response.transportStatus == kStatusGood && response.residual != 0) {
+        line += ", residual " + std::to_string(response.residual);
+    }
+    if (response.transportStatus == kStatusGood && response.senseLength != 0) {
+        line += ", sense ";
+        appendHex(line, response.sense.data(),
+                  std::min<size_t>(response.senseLength, kMaxSenseLength));
+    }
+    return line;
+}
+
+}  // namespace
+
+TracingTransport::TracingTransport(std::unique_ptr<Transport> inner, std::string deviceName)
+    : inner_(std::move(inner)), deviceName_(std::move(deviceName)) {}
+
+ScsiResponse TracingTransport::send(const ScsiCommand& command) {
+    const ScsiResponse response = inner_->send(command);
+    const kiv::Logger* logger = traceLogger();
+    if (logger->isEnabled(kTracePriority)) {
+        logger->log(kTracePriority,
+                    kiv::String::fromUtf8(traceLine(deviceName_, command, response)));
+    }
+    return response;
+}
+
+}  // namespace kivscsi

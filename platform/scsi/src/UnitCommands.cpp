@@ -1,0 +1,84 @@
+#include "scsi/UnitCommands.h"
+
+#include "Execute.h"
+#include "scsi/ByteOrder.h"
+
+namespace kivscsi {
+namespace {
+
+constexpr uint8_t kTestUnitReady = 0x00;
+constexpr uint8_t kStartStopUnit = 0x1B;
+constexpr uint8_t kPreventAllowMediumRemoval = 0x1E;
+constexpr uint8_t kReadCapacity10 = 0x25;
+constexpr uint8_t kSynchronizeCache10 = 0x35;
+
+constexpr uint8_t kStartBit = 0x01;
+constexpr uint8_t kLoadEjectBit = 0x02;
+constexpr uint8_t kPreventBit = 0x01;
+
+constexpr uint32_t kCapacityAnswerLength = 8;
+
+Status startStop(const _SCSI_PATH& path, const char* deviceName, uint8_t bits) {
+    return execute(path, deviceName,
+                   CdbBuilder(kStartStopUnit, 6).byte(4, bits).timeout(kMechanicalTimeoutMs)
+                       .command);
+}
+
+Status preventAllow(const _SCSI_PATH& path, const char* deviceName, uint8_t bits) {
+    return execute(path, deviceName, CdbBuilder(kPreventAllowMediumRemoval, 6).byte(4, bits)
+                                         .command);
+}
+
+}  // namespace
+
+Status TestUnitReady(const _SCSI_PATH& path, const char* deviceName) {
+    return execute(path, deviceName, CdbBuilder(kTestUnitReady, 6).command);
+}
+
+Status StartUnit(const _SCSI_PATH& path, const char* deviceName) {
+    return startStop(path, deviceName, kStartBit);
+}
+
+Status StopUnit(const _SCSI_PATH& path, const char* deviceName) {
+    return startStop(path, deviceName, 0);
+}
+
+Status Load(const _SCSI_PATH& path, const char* deviceName) {
+    return startStop(path, deviceName, kStartBit | kLoadEjectBit);
+}
+
+Status EjectMedia(const _SCSI_PATH& path, const char* deviceName) {
+    return startStop(path, deviceName, kLoadEjectBit);
+}
+
+Status PreventMediumRemoval(const _SCSI_PATH& path, const char* deviceName) {
+    return preventAllow(path, deviceName, kPreventBit);
+}
+
+Status AllowMediumRemoval(const _SCSI_PATH& path, const char* deviceName) {
+    return preventAllow(path, deviceName, 0);
+}
+
+Status ReadCapacity(const _SCSI_PATH& path, const char* deviceName, Capacity* capacity) {
+    uint8_t answer[kCapacityAnswerLength] = {};
+    uint32_t received = 0;
+    const Status status =
+        execute(path, deviceName,
+                CdbBuilder(kReadCapacity10, 10).dataIn(answer, sizeof(answer)).command,
+                &received);
+    if (status != kStatusGood) return status;
+    if (received < kCapacityAnswerLength) return kStatusShortAnswer;
+    if (capacity != nullptr) {
+        capacity->lastLba = readBig32(answer);
+        capacity->blockLength = readBig32(answer + 4);
+    }
+    return kStatusGood;
+}
+
+Status KIVR_SynchronizeCache(const _SCSI_PATH& path, const char* deviceName,
+                             uint32_t timeoutSeconds) {
+    return execute(path, deviceName,
+                   CdbBuilder(kSynchronizeCache10, 10).timeout(timeoutSeconds * 1000).command);
+}
+
+}  // namespace kivscsi
