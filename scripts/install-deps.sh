@@ -2,8 +2,9 @@
 # Installs the Debian packages the build and the tests need, when any is missing.
 set -euo pipefail
 
-packages=(cmake ninja-build g++ clang libgtest-dev libgmock-dev googletest libbenchmark-dev
-          libssl-dev g++-mingw-w64-x86-64-posix wine64 wine)
+# Usage: install-deps.sh [linux]   (linux: only what the native build needs)
+packages=(cmake ninja-build g++ clang libgtest-dev libgmock-dev googletest libbenchmark-dev libssl-dev)
+[ "${1:-}" = linux ] || packages+=(g++-mingw-w64-x86-64-posix wine64 wine)
 
 missing=()
 for p in "${packages[@]}"; do

@@ -9,7 +9,7 @@ cd "$root"
 platforms=("$@"); [ ${#platforms[@]} -gt 0 ] || platforms=(linux windows)
 jobs=$(nproc 2>/dev/null || echo 2)
 
-scripts/install-deps.sh
+if [[ " ${platforms[*]} " == *" windows "* ]]; then scripts/install-deps.sh; else scripts/install-deps.sh linux; fi
 
 passed=0; failed=0
 run_suite() {  # <name> <build-dir> <cmake args...>
