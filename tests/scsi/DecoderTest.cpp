@@ -1,0 +1,325 @@
+// Decoders of a drive's answers: the fields they return and the bounds they keep, whatever
+// lengths the drive states.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "scsi/ByteOrder.h"
+#include "scsi/Decoders.h"
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+// A GET CONFIGURATION answer: header with current profile 0x0011 and the given data length
+// (-1: the true one), then the profile list feature with `profiles` descriptors.
+Bytes configuration(size_t profiles, int statedLength = -1, int additional = -1) {
+    Bytes data = {0, 0, 0, 0, 0, 0, 0x00, 0x11, 0x00, 0x00, 0x03, 0};
+    for (size_t i = 0; i < profiles; ++i) {
+        data.insert(data.end(), {0x00, static_cast<uint8_t>(0x10 + i),
+                                 static_cast<uint8_t>(i == 1 ? 1 : 0), 0});
+    }
+    data[11] = static_cast<uint8_t>(additional < 0 ? profiles * 4 : additional);
+    const uint32_t length = statedLength < 0 ? static_cast<uint32_t>(data.size() - 4)
+                                             : static_cast<uint32_t>(statedLength);
+    data[3] = static_cast<uint8_t>(length);
+    data[2] = static_cast<uint8_t>(length >> 8);
+    return data;
+}
+
+TEST(DecoderTest, ProfileListKeepsInsideEveryLimit) {
+    struct Case {
+        const char* name;
+        Bytes data;
+        size_t received;
+        std::vector<uint16_t> expected;
+    };
+    const Bytes three = configuration(3);
+    const std::vector<Case> cases = {
+        {"whole list", three, three.size(), {0x10, 0x11, 0x12}},
+        {"last descriptor cut by received", three, three.size() - 1, {0x10, 0x11}},
+        {"received ends at a descriptor", three, three.size() - 4, {0x10, 0x11}},
+        {"header only", three, 8, {}},
+        {"feature header cut", three, 11, {}},
+        {"stated data length shorter", configuration(3, 16), 24, {0x10, 0x11}},
+        {"stated data length huge", configuration(3, 0xFFFF), 24, {0x10, 0x11, 0x12}},
+        {"additional length shorter", configuration(3, -1, 5), 24, {0x10}},
+        {"additional length beyond the answer", configuration(2, -1, 0xFC), 20, {0x10, 0x11}},
+        {"no descriptors", configuration(0), 12, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        // The decoder sees only what was received: a copy of exactly that length lets the
+        // sanitizer catch any read past it.
+        const Bytes seen(c.data.begin(), c.data.begin() + c.received);
+        std::vector<uint16_t> profiles;
+        for (const kivscsi::ProfileEntry& entry : kivscsi::decodeProfileList(seen.data(),
+                                                                             seen.size())) {
+            profiles.push_back(entry.profile);
+        }
+        EXPECT_EQ(profiles, c.expected);
+    }
+}
+
+TEST(DecoderTest, FeaturesHeaderAndCurrentFlags) {
+    const Bytes data = configuration(3);
+    const auto header = kivscsi::decodeFeatureHeader(data.data(), data.size());
+    ASSERT_TRUE(header);
+    EXPECT_EQ(header->currentProfile, 0x0011);
+    EXPECT_EQ(header->dataLength, data.size() - 4);
+    EXPECT_FALSE(kivscsi::decodeFeatureHeader(data.data(), 7));
+
+    const auto profiles = kivscsi::decodeProfileList(data.data(), data.size());
+    ASSERT_EQ(profiles.size(), 3u);
+    EXPECT_FALSE(profiles[0].current);
+    EXPECT_TRUE(profiles[1].current);
+
+    // Real time streaming after the profile list: found by walking past it.
+    Bytes withStreaming = configuration(1);
+    withStreaming.insert(withStreaming.end(), {0x01, 0x07, 0x05, 0x04, 0x1F, 0, 0, 0});
+    withStreaming[3] = static_cast<uint8_t>(withStreaming.size() - 4);
+    const auto streaming = kivscsi::findFeature(withStreaming.data(), withStreaming.size(), 0x0107);
+    ASSERT_TRUE(streaming);
+    EXPECT_TRUE(streaming->current);
+    EXPECT_EQ(streaming->version, 1);
+    EXPECT_EQ(streaming->available, 4u);
+    EXPECT_EQ(streaming->data[0], 0x1F);
+    const auto cut = kivscsi::findFeature(withStreaming.data(), withStreaming.size() - 3, 0x0107);
+    ASSERT_TRUE(cut);
+    EXPECT_EQ(cut->available, 1u);
+    EXPECT_FALSE(kivscsi::findFeature(withStreaming.data(), withStreaming.size() - 5, 0x0107));
+}
+
+TEST(DecoderTest, MediaEvent) {
+    struct Case {
+        const char* name;
+        Bytes data;
+        bool decoded;
+        bool hasStatus;
+        bool present;
+        bool doorOpen;
+        uint8_t eventClass;
+    };
+    const std::vector<Case> cases = {
+        {"disc present, tray closed", {0, 6, 0x04, 0x5E, 0x02, 0x02, 0, 0}, true, true, true,
+         false, 4},
+        {"tray open", {0, 6, 0x04, 0x5E, 0x03, 0x01, 0, 0}, true, true, false, true, 4},
+        {"no event available", {0, 2, 0x80, 0x5E}, true, false, false, false, 0},
+        {"status byte not received", {0, 6, 0x04, 0x5E, 0x02}, true, false, false, false, 4},
+        {"status byte beyond stated length", {0, 3, 0x04, 0x5E, 0x02, 0x02}, true, false,
+         false, false, 4},
+        {"header cut", {0, 6, 0x04}, false, false, false, false, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto event = kivscsi::decodeMediaEvent(c.data.data(), c.data.size());
+        ASSERT_EQ(event.has_value(), c.decoded);
+        if (!event) continue;
+        EXPECT_EQ(event->hasMediaStatus, c.hasStatus);
+        EXPECT_EQ(event->mediaPresent, c.present);
+        EXPECT_EQ(event->doorOpen, c.doorOpen);
+        EXPECT_EQ(event->notificationClass, c.eventClass);
+    }
+}
+
+TEST(DecoderTest, DiscInformation) {
+    Bytes full(34, 0);
+    full[1] = 32;
+    full[2] = 0x1E;  // erasable, last session complete, disc complete
+    full[3] = 1;
+    full[4] = 0x02;
+    full[9] = 0x01;
+    full[7] = 0x02;
+    full[8] = 0x20;
+    struct Case {
+        const char* name;
+        Bytes data;
+        size_t received;
+        bool decoded;
+        uint8_t discStatus;
+        uint16_t sessions;
+        uint8_t backgroundFormat;
+    };
+    Bytes shortStated = full;
+    shortStated[1] = 5;  // holds bytes up to 6
+    const std::vector<Case> cases = {
+        {"full block", full, 34, true, 2, 0x0102, 2},
+        {"cut after the status byte", full, 3, true, 2, 0, 0},
+        {"cut inside the session fields", full, 8, true, 2, 0x0002, 2},
+        {"stated length ends before byte 7", shortStated, 34, true, 2, 0x0002, 0},
+        {"no status byte", full, 2, false, 0, 0, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Bytes seen(c.data.begin(), c.data.begin() + c.received);
+        const auto info = kivscsi::decodeDiscInformation(seen.data(), seen.size());
+        ASSERT_EQ(info.has_value(), c.decoded);
+        if (!info) continue;
+        EXPECT_EQ(info->discStatus, c.discStatus);
+        EXPECT_EQ(info->sessions, c.sessions);
+        EXPECT_EQ(info->backgroundFormatStatus, c.backgroundFormat);
+    }
+    const auto info = kivscsi::decodeDiscInformation(full.data(), full.size());
+    EXPECT_TRUE(info->erasable);
+    EXPECT_EQ(info->lastSessionState, 3);
+    EXPECT_EQ(info->discType, 0x20);
+}
+
+// MODE SENSE(10) answer: header with `blockDescriptors` bytes of descriptors, a page 05h of
+// `page5Length` and a page 2Ah of 30 bytes with write speed 1765 at bytes 28-29.
+Bytes modeAnswer(uint16_t blockDescriptors, uint8_t page5Length = 0x32) {
+    Bytes data(8 + blockDescriptors, 0);
+    data[7] = static_cast<uint8_t>(blockDescriptors);
+    Bytes page5(2 + page5Length, 0);
+    page5[0] = 0x45;  // page 05h with the PS bit
+    page5[1] = page5Length;
+    data.insert(data.end(), page5.begin(), page5.end());
+    Bytes page2a(32, 0);
+    page2a[0] = 0x2A;
+    page2a[1] = 30;
+    page2a[28] = 0x06;
+    page2a[29] = 0xE5;
+    data.insert(data.end(), page2a.begin(), page2a.end());
+    data[1] = static_cast<uint8_t>(data.size() - 2);
+    data[0] = static_cast<uint8_t>((data.size() - 2) >> 8);
+    return data;
+}
+
+TEST(DecoderTest, ModePages) {
+    struct Case {
+        const char* name;
+        Bytes data;
+        size_t received;
+        uint8_t pageCode;
+        bool found;
+        size_t offset;
+        size_t available;
+    };
+    const Bytes plain = modeAnswer(0);
+    const Bytes withDescriptors = modeAnswer(8);
+    const std::vector<Case> cases = {
+        {"first page", plain, plain.size(), 0x05, true, 8, 52},
+        {"page code on six bits", plain, plain.size(), 0xC5, true, 8, 52},
+        {"second page", plain, plain.size(), 0x2A, true, 60, 32},
+        {"after block descriptors", withDescriptors, withDescriptors.size(), 0x2A, true, 68, 32},
+        {"absent page", plain, plain.size(), 0x1A, false, 0, 0},
+        {"second page cut", plain, plain.size() - 2, 0x2A, true, 60, 30},
+        {"second page header cut", plain, 61, 0x2A, false, 0, 0},
+        {"header only", plain, 8, 0x05, false, 0, 0},
+        {"header cut", plain, 7, 0x05, false, 0, 0},
+        {"descriptors beyond the answer", modeAnswer(200), 40, 0x05, false, 0, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Bytes seen(c.data.begin(), c.data.begin() + c.received);
+        const auto page = kivscsi::findModePage(seen.data(), seen.size(), c.pageCode);
+        ASSERT_EQ(page.has_value(), c.found);
+        if (!page) continue;
+        EXPECT_EQ(page->page - seen.data(), static_cast<ptrdiff_t>(c.offset));
+        EXPECT_EQ(page->available, c.available);
+    }
+}
+
+TEST(DecoderTest, CurrentWriteSpeed) {
+    const Bytes data = modeAnswer(0);
+    const auto page = kivscsi::findModePage(data.data(), data.size(), 0x2A);
+    ASSERT_TRUE(page);
+    EXPECT_EQ(kivscsi::decodeCurrentWriteSpeed(*page), 1765);
+    kivscsi::ModePage cut = *page;
+    cut.available = 29;
+    EXPECT_FALSE(kivscsi::decodeCurrentWriteSpeed(cut));
+    Bytes shortPage = data;
+    shortPage[61] = 26;
+    const auto old = kivscsi::findModePage(shortPage.data(), shortPage.size(), 0x2A);
+    ASSERT_TRUE(old);
+    EXPECT_FALSE(kivscsi::decodeCurrentWriteSpeed(*old));
+}
+
+Bytes structure(size_t size, size_t offset, const std::string& text) {
+    Bytes data(size, 0);
+    data[0] = static_cast<uint8_t>((size - 2) >> 8);
+    data[1] = static_cast<uint8_t>(size - 2);
+    std::copy(text.begin(), text.end(), data.begin() + offset);
+    return data;
+}
+
+TEST(DecoderTest, StructureIdentifiers) {
+    struct Case {
+        const char* name;
+        Bytes data;
+        size_t received;
+        std::string (*decode)(const uint8_t*, size_t);
+        std::string expected;
+    };
+    Bytes understated = structure(256, 23, "MCC 004 R05");
+    understated[1] = 25;  // holds bytes up to 26
+    const std::vector<Case> cases = {
+        {"DVD manufacturer", structure(256, 23, "MCC 004 R05"), 256,
+         kivscsi::decodeDvdManufacturerId, "MCC 004 "},
+        {"DVD disc id", structure(256, 23, "MCC 004 R05"), 256, kivscsi::decodeDvdDiscId,
+         "R05"},
+        {"DVD manufacturer cut at zero", structure(256, 23, std::string("RIT\0XYZ", 7)), 256,
+         kivscsi::decodeDvdManufacturerId, "RIT"},
+        {"DVD manufacturer cut by received", structure(256, 23, "MCC 004 R05"), 27,
+         kivscsi::decodeDvdManufacturerId, "MCC "},
+        {"DVD manufacturer cut by stated length", understated, 256,
+         kivscsi::decodeDvdManufacturerId, "MCC "},
+        {"DVD disc id not received", structure(256, 23, "MCC 004 R05"), 31,
+         kivscsi::decodeDvdDiscId, ""},
+        {"BD manufacturer", structure(260, 104, "VERBAT1M2"), 260,
+         kivscsi::decodeBdManufacturerId, "VERBAT"},
+        {"BD disc id", structure(260, 104, "VERBAT1M2"), 260, kivscsi::decodeBdDiscId, "1M2"},
+        {"BD disc id last byte cut", structure(260, 104, "VERBAT1M2"), 112,
+         kivscsi::decodeBdDiscId, "1M"},
+        {"header only", structure(260, 104, "VERBAT1M2"), 4, kivscsi::decodeBdManufacturerId,
+         ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Bytes seen(c.data.begin(), c.data.begin() + c.received);
+        EXPECT_EQ(c.decode(seen.data(), seen.size()), c.expected);
+    }
+}
+
+TEST(DecoderTest, CopyProtectionAtipAndCapacity) {
+    const Bytes protectedDisc = {0, 6, 0, 0, 0x01, 0x02, 0, 0};
+    EXPECT_EQ(kivscsi::decodeCopyProtectionType(protectedDisc.data(), 8), 0x01);
+    EXPECT_FALSE(kivscsi::decodeCopyProtectionType(protectedDisc.data(), 4));
+    const Bytes understated = {0, 2, 0, 0, 0x01, 0x02, 0, 0};
+    EXPECT_FALSE(kivscsi::decodeCopyProtectionType(understated.data(), 8));
+
+    Bytes atip(28, 0);
+    atip[1] = 26;
+    atip[8] = 97, atip[9] = 27, atip[10] = 21;
+    atip[12] = 79, atip[13] = 59, atip[14] = 74;
+    const auto times = kivscsi::decodeAtip(atip.data(), atip.size());
+    ASSERT_TRUE(times);
+    EXPECT_EQ(times->leadInStart.minutes, 97);
+    EXPECT_EQ(times->leadInStart.seconds, 27);
+    EXPECT_EQ(times->leadInStart.frames, 21);
+    EXPECT_EQ(times->leadOutStart.minutes, 79);
+    EXPECT_EQ(times->leadOutStart.seconds, 59);
+    EXPECT_EQ(times->leadOutStart.frames, 74);
+    EXPECT_TRUE(kivscsi::decodeAtip(atip.data(), 15));
+    EXPECT_FALSE(kivscsi::decodeAtip(atip.data(), 14));
+    atip[1] = 12;  // holds bytes up to 13
+    EXPECT_FALSE(kivscsi::decodeAtip(atip.data(), atip.size()));
+
+    const Bytes capacity = {0x00, 0x22, 0x3E, 0x5F, 0x00, 0x00, 0x08, 0x00};
+    const auto decoded = kivscsi::decodeCapacity(capacity.data(), 8);
+    ASSERT_TRUE(decoded);
+    EXPECT_EQ(decoded->lastLba, 0x223E5Fu);
+    EXPECT_EQ(decoded->blockLength, 2048u);
+    EXPECT_FALSE(kivscsi::decodeCapacity(capacity.data(), 7));
+}
+
+TEST(DecoderTest, ByteOrderHelpers) {
+    EXPECT_EQ(kivscsi::SwapBytes16(0x1234), 0x3412);
+    EXPECT_EQ(kivscsi::SwapBytes32(0x12345678u), 0x78563412u);
+    EXPECT_EQ(kivscsi::SwapBytes32(0x000000FFu), 0xFF000000u);
+    const uint8_t bytes[] = {0x80, 0x01, 0x02, 0x03};
+    EXPECT_EQ(kivscsi::readBig16(bytes), 0x8001);
+    EXPECT_EQ(kivscsi::readBig32(bytes), 0x80010203u);
+}
+
+}  // namespace

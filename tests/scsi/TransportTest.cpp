@@ -1,0 +1,241 @@
+// Choosing the transport by name, the library's own failures, what the device returned, and
+// the trace of every command.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+#include "kiv/Log.h"
+#include "os/VirtualClock.h"
+#include "scsi/Scsi.h"
+#include "scsi/TracingTransport.h"
+#include "tests/scsi/RecordingTarget.h"
+
+namespace {
+
+using kivscsi::Status;
+
+// A device of the os layer that does not answer SCSI commands.
+class PlainEmulatedDevice : public os::EmulatedDevice {};
+
+class TransportTest : public ::testing::Test {
+protected:
+    void SetUp() override { os::installClock(&clock_); }
+    void TearDown() override { os::installClock(nullptr); }
+
+    os::VirtualClock clock_{1'700'000'000'000};
+};
+
+TEST_F(TransportTest, DeviceNamesThatReachNoTarget) {
+    os::registerEmulatedDevice("sim:plain", std::make_shared<PlainEmulatedDevice>());
+    struct Case {
+        const char* name;
+        const char* deviceName;
+        Status expected;
+    };
+    const std::vector<Case> cases = {
+        {"null name", nullptr, kivscsi::kStatusBadDeviceName},
+        {"empty name", "", kivscsi::kStatusBadDeviceName},
+        {"emulated but not SCSI", "sim:plain", kivscsi::kStatusNotScsiDevice},
+        {"nothing of that name", "sim:no-such-device", kivscsi::kStatusNoSuchDevice},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(kivscsi::TestUnitReady({}, c.deviceName), c.expected);
+    }
+    os::unregisterEmulatedDevice("sim:plain");
+}
+
+TEST_F(TransportTest, FailuresReportedByTheTargetOrTheClock) {
+    struct Case {
+        const char* name;
+        scsitest::Reply reply;
+        Status expected;
+    };
+    scsitest::Reply gone;
+    gone.transportStatus = kivscsi::kStatusDeviceGone;
+    gone.scsiStatus = kivscsi::kScsiCheckCondition;
+    gone.sense = {0x70, 0, 0x02, 0, 0, 0, 0, 10, 0, 0, 0, 0, 0x3A, 0x00};
+    scsitest::Reply slow;
+    slow.costMs = 10'001;
+    scsitest::Reply justInTime;
+    justInTime.costMs = 10'000;
+    scsitest::Reply busy;
+    busy.scsiStatus = kivscsi::kScsiBusy;
+    const std::vector<Case> cases = {
+        {"device gone", gone, kivscsi::kStatusDeviceGone},
+        {"read slower than its timeout", slow, kivscsi::kStatusTimedOut},
+        {"read exactly at its timeout", justInTime, kivscsi::kStatusGood},
+        {"busy", busy, kivscsi::kStatusDeviceBusy},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        scsitest::RegisteredTarget device;
+        device.target().reply = c.reply;
+        uint8_t buffer[2048];
+        EXPECT_EQ(kivscsi::ReadBlocksTimedEx({}, device.name(), buffer, sizeof(buffer), 0, 1, 10),
+                  c.expected);
+    }
+}
+
+TEST_F(TransportTest, ReceivedLengthIsAllocationMinusResidual) {
+    struct Case {
+        const char* name;
+        size_t answered;
+        bool lie;
+        uint32_t claimedResidual;
+        uint32_t expectedReceived;
+    };
+    const std::vector<Case> cases = {
+        {"full answer", 20, false, 0, 20},
+        {"short answer", 8, false, 0, 8},
+        {"empty answer", 0, false, 0, 0},
+        {"residual larger than the allocation", 20, true, 1000, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        scsitest::RegisteredTarget device;
+        device.target().reply.dataIn.assign(c.answered, 0x11);
+        device.target().reply.overrideResidual = c.lie;
+        device.target().reply.residual = c.claimedResidual;
+        uint8_t buffer[20] = {};
+        uint32_t received = 12345;
+        EXPECT_EQ(kivscsi::GetEventStatusNotification({}, device.name(), true, 0x10, buffer, 20,
+                                                      &received),
+                  kivscsi::kStatusGood);
+        EXPECT_EQ(received, c.expectedReceived);
+    }
+}
+
+TEST_F(TransportTest, ReadCapacityAnswers) {
+    struct Case {
+        const char* name;
+        std::vector<uint8_t> answer;
+        Status expected;
+        uint32_t lastLba;
+        uint32_t blockLength;
+    };
+    const std::vector<Case> cases = {
+        {"full", {0x00, 0x23, 0x45, 0x67, 0x00, 0x00, 0x08, 0x00}, 0, 0x234567, 2048},
+        {"seven bytes", {0x00, 0x23, 0x45, 0x67, 0x00, 0x00, 0x08}, kivscsi::kStatusShortAnswer,
+         7, 7},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        scsitest::RegisteredTarget device;
+        device.target().reply.dataIn = c.answer;
+        kivscsi::Capacity capacity{7, 7};
+        EXPECT_EQ(kivscsi::ReadCapacity({}, device.name(), &capacity), c.expected);
+        EXPECT_EQ(capacity.lastLba, c.lastLba);
+        EXPECT_EQ(capacity.blockLength, c.blockLength);
+    }
+}
+
+TEST_F(TransportTest, DurationIsMeasuredOnTheOneClock) {
+    scsitest::RegisteredTarget device;
+    device.target().reply.costMs = 1234;
+    kivscsi::OpenResult opened = kivscsi::openTransport(device.name());
+    ASSERT_EQ(opened.status, kivscsi::kStatusGood);
+    kivscsi::ScsiCommand command;
+    command.cdbLength = 6;
+    command.timeoutMs = 5000;
+    const kivscsi::ScsiResponse response = opened.transport->send(command);
+    EXPECT_EQ(response.durationMs, 1234u);
+    EXPECT_EQ(response.transportStatus, kivscsi::kStatusGood);
+}
+
+TEST_F(TransportTest, MalformedCommandsAreRefusedUnsent) {
+    scsitest::RegisteredTarget device;
+    kivscsi::OpenResult opened = kivscsi::openTransport(device.name());
+    ASSERT_TRUE(opened.transport);
+    struct Case {
+        const char* name;
+        uint8_t cdbLength;
+        bool nullBuffer;
+    };
+    const std::vector<Case> cases = {
+        {"no command block", 0, false},
+        {"command block too long", 17, false},
+        {"data phase without buffer", 10, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        uint8_t buffer[4];
+        kivscsi::ScsiCommand command;
+        command.cdbLength = c.cdbLength;
+        command.direction = kivscsi::DataDirection::FromDevice;
+        command.buffer = c.nullBuffer ? nullptr : buffer;
+        command.bufferLength = sizeof(buffer);
+        command.timeoutMs = 1000;
+        EXPECT_EQ(opened.transport->send(command).transportStatus,
+                  kivscsi::kStatusInvalidRequest);
+    }
+    EXPECT_TRUE(device.target().commands.empty());
+}
+
+class TraceTest : public TransportTest {
+protected:
+    void SetUp() override {
+        TransportTest::SetUp();
+        kiv::LogFactory::removeAllSinks();
+        kiv::LogFactory::addSink(std::make_unique<kiv::MemorySink>(sink_));
+    }
+    void TearDown() override {
+        kiv::LogFactory::removeAllSinks();
+        kiv::LogFactory::setPriority(4);
+        TransportTest::TearDown();
+    }
+
+    kiv::MemorySink sink_;
+};
+
+TEST_F(TraceTest, EveryCommandIsLoggedWithItsStatus) {
+    struct Case {
+        const char* name;
+        scsitest::Reply reply;
+        const char* expected;
+    };
+    scsitest::Reply good;
+    good.costMs = 15;
+    good.dataIn.assign(8, 0);
+    scsitest::Reply fullAnswer;
+    fullAnswer.dataIn.assign(16, 0);
+    scsitest::Reply noMedium;
+    noMedium.scsiStatus = kivscsi::kScsiCheckCondition;
+    noMedium.sense = {0x72, 0x02, 0x3A, 0x01};
+    scsitest::Reply gone;
+    gone.transportStatus = kivscsi::kStatusDeviceGone;
+    const std::vector<Case> cases = {
+        {"good", good, "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> 0000 in 15 ms, residual 8"},
+        {"full answer", fullAnswer,
+         "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> 0000 in 0 ms"},
+        {"sense", noMedium,
+         "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> 3A01 in 0 ms, residual 16, sense 72 "
+         "02 3A 01"},
+        {"gone", gone, "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> AB10 in 0 ms"},
+    };
+    kiv::LogFactory::setPriority(1);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        sink_.clear();
+        scsitest::RegisteredTarget device("sim:trace");
+        device.target().reply = c.reply;
+        uint8_t buffer[16];
+        kivscsi::ReadDiscInformation({}, device.name(), buffer, sizeof(buffer));
+        const std::vector<kiv::LogRecord> records = sink_.records();
+        ASSERT_EQ(records.size(), 1u);
+        EXPECT_EQ(records[0].logger.toUtf8(), "scsi.Trace");
+        EXPECT_EQ(records[0].priority, 1);
+        EXPECT_EQ(records[0].message.toUtf8(), c.expected);
+    }
+}
+
+TEST_F(TraceTest, NothingIsLoggedAbovePriorityOne) {
+    kiv::LogFactory::setPriority(2);
+    scsitest::RegisteredTarget device;
+    kivscsi::TestUnitReady({}, device.name());
+    EXPECT_TRUE(sink_.records().empty());
+    EXPECT_EQ(device.target().commands.size(), 1u);
+}
+
+}  // namespace
