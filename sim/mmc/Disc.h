@@ -1,0 +1,86 @@
+// sim::mmc::Disc: the state of one disc: what is recorded where, its sessions and tracks, its
+// status, and what writing, closing, blanking and formatting do to it.
+//
+// Timing lives elsewhere: the disc changes at once, and the writer keeps the drive busy for
+// the operation's virtual duration. Data written through the drive's cache reaches the disc
+// through storeData(); acceptWrite() does the bookkeeping when the command arrives.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <span>
+#include <vector>
+
+#include "sim/mmc/DiscModel.h"
+#include "sim/mmc/MediaKind.h"
+#include "sim/mmc/Sense.h"
+
+namespace sim::mmc {
+
+// The State of Last Session field of the disc information.
+enum class SessionState : uint8_t { Empty = 0, Incomplete = 1, Complete = 3 };
+
+// The BG Format Status field of the disc information.
+enum class BackgroundFormat : uint8_t { None = 0, Stopped = 1, Running = 2, Done = 3 };
+
+class Disc {
+public:
+    explicit Disc(DiscModel model);
+
+    const DiscModel& model() const { return model_; }
+    const MediaTraits& traits() const { return traitsOf(model_.kind); }
+    uint16_t profile() const;
+    Recording recording() const;
+    DiscStatus status() const;
+    SessionState lastSessionState() const;
+    bool erasable() const;
+    uint32_t capacity() const { return model_.capacitySectors; }
+    // Sectors from 0 that a READ may reach.
+    uint32_t readableSectors() const;
+    // The next writable address of a sequential disc; 0 otherwise.
+    uint32_t nextWritable() const { return recorded_; }
+    uint16_t sessions() const;
+    uint16_t firstTrackInLastSession() const;
+    uint16_t lastTrackInLastSession() const;
+    BackgroundFormat backgroundFormat(uint64_t nowMs) const;
+
+    // Takes `count` sectors at `lba` into the disc's layout (the data follows via storeData).
+    // Returns a non-good sense, changing nothing, when the disc cannot take them there.
+    Sense acceptWrite(uint32_t lba, uint32_t count);
+    // Puts one sector's bytes on the medium. REQUIRES: the sector was accepted; `data` is
+    // kSectorBytes long.
+    void storeData(uint32_t lba, std::span<const uint8_t> data);
+    // Copies one recorded sector into `out` (kSectorBytes); never written sectors read as zeros.
+    void readData(uint32_t lba, std::span<uint8_t> out) const;
+    // Whether anything was ever stored at `lba`.
+    bool holdsData(uint32_t lba) const { return sectors_.count(lba) != 0; }
+
+    // CLOSE TRACK/SESSION functions (1 track, 2 session, 3..6 finalize, 0 stop background
+    // format); `multiSession` is the write parameters' Multi-session field being non-zero.
+    Sense close(uint8_t function, bool multiSession, uint64_t nowMs);
+    // BLANK type 0 (whole disc) or 1 (minimal). Returns the seconds it takes, or the sense.
+    Sense blank(uint8_t type, uint32_t& seconds);
+    // FORMAT UNIT with a format type; `seconds` the foreground time, `background` set when the
+    // format goes on in the background after the command (DVD+RW).
+    Sense format(uint8_t formatType, uint64_t nowMs, uint32_t& seconds, bool& background);
+
+private:
+    void eraseAll();
+
+    DiscModel model_;
+    std::map<uint32_t, std::vector<uint8_t>> sectors_;
+    uint32_t recorded_ = 0;  // sequential: sectors recorded so far
+    bool complete_ = false;
+    bool trackOpen_ = false;
+    bool sessionHasData_ = false;
+    uint16_t closedSessions_ = 0;
+    uint16_t closedTracks_ = 0;
+    uint16_t lastSessionFirstTrack_ = 1;
+    bool formatted_ = false;           // overwrite mode reached
+    bool restrictedOverwrite_ = false;  // DVD-RW formatted for overwriting
+    uint64_t backgroundFormatEndMs_ = 0;
+    bool backgroundFormatStarted_ = false;
+    bool backgroundFormatStopped_ = false;
+};
+
+}  // namespace sim::mmc

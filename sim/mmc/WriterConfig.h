@@ -1,0 +1,19 @@
+// What kind of drive the emulated writer is, apart from the disc in it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace sim::mmc {
+
+struct WriterConfig {
+    std::string vendor = "LIBDRIVE";         // INQUIRY, up to 8 characters
+    std::string product = "EMULATED WRITER";  // up to 16 characters
+    std::string revision = "1.00";            // up to 4 characters
+    uint32_t spinUpMilliseconds = 2000;       // from closing the tray to a ready disc
+    uint32_t cacheSectors = 1024;             // write cache size; at least 1
+    // The Real Time Streaming feature's flag byte (SW, WSPD, MP2A, SCS, RBCB).
+    uint8_t realTimeStreamingFlags = 0x1F;
+};
+
+}  // namespace sim::mmc
