@@ -1,5 +1,6 @@
 #include "libDrive/PassTiming.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "kiv/Log.h"
@@ -7,12 +8,13 @@
 
 namespace kivrlibdrive {
 
-PassTiming::PassTiming(const wchar_t* overflowText) : overflowText_(overflowText) {}
+PassTiming::PassTiming(const wchar_t* overflowText, std::size_t samples)
+    : overflowText_(overflowText), samples_(samples, 0) {}
 
 void PassTiming::Start() {
     previousStepEnd_ = kiv::System::getCurrentTimeMilliseconds();
     lastReport_ = previousStepEnd_;
-    samples_.fill(0);
+    std::fill(samples_.begin(), samples_.end(), 0);
     nextSlot_ = 0;
 }
 
@@ -28,7 +30,7 @@ void PassTiming::EndStep() {
                                                    overflowText_);
     }
     samples_[nextSlot_] = static_cast<uint32_t>(elapsed);
-    nextSlot_ = (nextSlot_ + 1) % kSamples;
+    nextSlot_ = (nextSlot_ + 1) % samples_.size();
     previousStepEnd_ = now;
 }
 
@@ -37,7 +39,7 @@ uint32_t PassTiming::SecondsLeft(uint64_t remainingSteps) const {
     for (const uint32_t sample : samples_) {
         sum += sample;
     }
-    return static_cast<uint32_t>(sum * remainingSteps / 1000000);
+    return static_cast<uint32_t>(sum * remainingSteps / samples_.size() / 1000);
 }
 
 }  // namespace kivrlibdrive
