@@ -195,6 +195,11 @@ void EmulatedWriter::reappear() {
     state_.faults.setGone(false);
 }
 
+void EmulatedWriter::clearFaults() {
+    std::lock_guard lock(mutex_);
+    state_.faults.clear();
+}
+
 WriterSnapshot EmulatedWriter::snapshot() const {
     std::lock_guard lock(mutex_);
     const uint64_t t = now();

@@ -87,6 +87,8 @@ public:
     // Every command ends with the transport failure "device gone" until reappear().
     void disappear();
     void reappear();
+    // Forgets every planted fault, the device's disappearance included.
+    void clearFaults();
 
     // Inspection.
     WriterSnapshot snapshot() const;

@@ -1,0 +1,148 @@
+// Blanking and formatting over virtual time: the drive is busy for the disc's time, reports
+// its progress, and the disc changes as the operation says.
+#include "WriterFixture.h"
+#include "os/Thread.h"
+
+namespace mmctest {
+namespace {
+
+constexpr uint32_t kFormatSeconds = 100;
+
+uint16_t progressOf(const Bytes& sense) {
+    return (sense[15] & 0x80) ? static_cast<uint16_t>(sense[16] << 8 | sense[17]) : 0;
+}
+
+// FORMAT UNIT parameter list: header (Immed in byte 1 bit 1) and one descriptor.
+Bytes formatList(uint8_t formatType, bool immediate) {
+    Bytes list(12, 0);
+    list[1] = immediate ? 0x02 : 0x00;
+    list[3] = 8;
+    list[8] = static_cast<uint8_t>(formatType << 2);
+    return list;
+}
+
+Status format(const _SCSI_PATH& path, uint8_t formatType, bool immediate) {
+    const Bytes list = formatList(formatType, immediate);
+    return kivscsi::FormatDvdUnit(path, kDevice, list.data(), 12);
+}
+
+TEST_F(WriterTest, AnImmediateFormatReportsProgressUntilItEnds) {
+    DiscModel disc = sim::mmc::discOf(MediaKind::DvdMinusRw);
+    disc.formatSeconds = kFormatSeconds;
+    loadReady(disc);
+    ASSERT_EQ(format(path, 0x10, true), 0u);
+    const struct {
+        uint64_t atMs;  // since the format started
+        Status unitReady;
+        uint16_t progress;
+    } rows[] = {
+        {0, 0x0404, 0},
+        {25'000, 0x0404, 0x4000},
+        {50'000, 0x0404, 0x8000},
+        {99'000, 0x0404, 0xFD70},
+        {99'999, 0x0404, 0xFFFF},
+        {100'000, 0, 0},
+    };
+    const uint64_t start = clock.elapsedMilliseconds();
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.atMs);
+        clock.advance(start + row.atMs - clock.elapsedMilliseconds());
+        EXPECT_EQ(testUnitReady(), row.unitReady);
+        const Bytes sense = requestSense();
+        EXPECT_EQ(sense[12] << 8 | sense[13], static_cast<int>(row.unitReady));
+        EXPECT_NEAR(progressOf(sense), row.progress, 1);
+    }
+    EXPECT_EQ(currentProfile(), 0x0013);  // restricted overwrite now
+    EXPECT_EQ(discInformation().discStatus, 2);
+}
+
+TEST_F(WriterTest, AFormatWithoutImmedReturnsWhenTheFormatIsDone) {
+    DiscModel disc = sim::mmc::discOf(MediaKind::BdRe);
+    disc.formatSeconds = kFormatSeconds;
+    loadReady(disc);
+    const uint64_t before = clock.elapsedMilliseconds();
+    ASSERT_EQ(format(path, 0x30, false), 0u);
+    EXPECT_EQ(clock.elapsedMilliseconds() - before, kFormatSeconds * 1000);
+    EXPECT_EQ(testUnitReady(), 0u);
+    EXPECT_EQ(write(0, 1, 1), 0u);
+}
+
+TEST_F(WriterTest, ABlankOnAWorkerKeepsTheDriveBusyForItsTime) {
+    DiscModel disc = sim::mmc::discOf(MediaKind::CdRw);
+    disc.minimalBlankSeconds = 30;
+    loadReady(disc);
+    ASSERT_EQ(write(0, 10, 1), 0u);
+    ASSERT_EQ(kivscsi::CloseFirstSession(path, kDevice, 2), 0u);
+    ASSERT_EQ(discInformation().discStatus, 2);
+
+    Status blankStatus = 0xFFFF;
+    uint64_t blankMs = 0;
+    os::Thread worker([&] {
+        const uint64_t start = clock.elapsedMilliseconds();
+        blankStatus = kivscsi::Blank(path, kDevice, 1);
+        blankMs = clock.elapsedMilliseconds() - start;
+    });
+    int busyPolls = 0;
+    for (int second = 1; second < 30; ++second) {
+        os::sleepMilliseconds(1000);
+        if (testUnitReady() == 0x0407) ++busyPolls;
+    }
+    worker.join();
+    EXPECT_EQ(blankStatus, 0u);
+    EXPECT_EQ(blankMs, 30'000u);
+    EXPECT_EQ(busyPolls, 29);
+    EXPECT_EQ(discInformation().discStatus, 0);
+    EXPECT_EQ(writer->snapshot().nextWritable, 0u);
+}
+
+TEST_F(WriterTest, BlankAndFormatAcceptOnlyWhatTheDiscAllows) {
+    const struct {
+        MediaKind kind;
+        bool blank;  // else format
+        uint8_t type;
+        Status expected;
+    } rows[] = {
+        {MediaKind::CdRw, true, 0, 0},      {MediaKind::CdRw, true, 2, 0x2400},
+        {MediaKind::DvdPlusR, true, 1, 0x3005}, {MediaKind::DvdPlusRw, false, 0x26, 0},
+        {MediaKind::DvdPlusRw, false, 0x10, 0x2600}, {MediaKind::CdR, false, 0x00, 0x3006},
+        {MediaKind::DvdRam, false, 0x01, 0},  {MediaKind::BdR, false, 0x32, 0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(sim::mmc::traitsOf(row.kind).name);
+        DiscModel disc = sim::mmc::discOf(row.kind);
+        disc.fullBlankSeconds = disc.formatSeconds = 1;
+        loadReady(disc);
+        EXPECT_EQ(row.blank ? kivscsi::Blank(path, kDevice, row.type) : format(path, row.type, false),
+                  row.expected);
+    }
+}
+
+TEST_F(WriterTest, DvdPlusRwFormatsInTheBackgroundUntilDoneOrStopped) {
+    DiscModel disc = sim::mmc::discOf(MediaKind::DvdPlusRw);
+    disc.backgroundFormatSeconds = 600;
+    loadReady(disc);
+    EXPECT_EQ(discInformation().backgroundFormatStatus, 0);
+    ASSERT_EQ(format(path, 0x26, false), 0u);
+    EXPECT_EQ(testUnitReady(), 0u);
+    EXPECT_EQ(discInformation().backgroundFormatStatus, 2);
+    EXPECT_EQ(discInformation().discStatus, 2);
+    EXPECT_EQ(write(0, 1, 1), 0u);  // writable while it formats
+
+    clock.advance(599'999);
+    EXPECT_EQ(discInformation().backgroundFormatStatus, 2);
+    clock.advance(1);
+    EXPECT_EQ(discInformation().backgroundFormatStatus, 3);
+
+    ASSERT_EQ(format(path, 0x26, false), 0u);
+    clock.advance(10'000);
+    EXPECT_EQ(kivscsi::CloseTrackSession(path, kDevice, 0, 0, false), 0u);
+    EXPECT_EQ(discInformation().backgroundFormatStatus, 1);
+}
+
+TEST_F(WriterTest, StoppingABackgroundFormatIsRefusedWhereThereIsNone) {
+    loadWritable(MediaKind::DvdPlusR);
+    EXPECT_EQ(kivscsi::CloseTrackSession(path, kDevice, 0, 0, false), 0x2400u);
+}
+
+}  // namespace
+}  // namespace mmctest

@@ -1,0 +1,209 @@
+// Per media kind: the profile the drive reports, the disc's status and erasable flag out of
+// the box, the identification bytes the optical drive reads, ATIP times and copy protection.
+#include <string>
+
+#include "WriterFixture.h"
+
+namespace mmctest {
+namespace {
+
+using sim::mmc::discOf;
+
+struct KindRow {
+    MediaKind kind;
+    uint16_t profile;
+    uint8_t discStatus;  // as delivered: 0 blank, 2 complete
+    bool erasable;
+};
+
+const KindRow kKinds[] = {
+    {MediaKind::CdRom, 0x0008, 2, false},
+    {MediaKind::CdR, 0x0009, 0, false},
+    {MediaKind::CdRw, 0x000A, 0, true},
+    {MediaKind::DvdRom, 0x0010, 2, false},
+    {MediaKind::DvdMinusR, 0x0011, 0, false},
+    {MediaKind::DvdMinusRw, 0x0014, 0, true},
+    {MediaKind::DvdMinusRDualLayer, 0x0015, 0, false},
+    {MediaKind::DvdPlusR, 0x001B, 0, false},
+    {MediaKind::DvdPlusRw, 0x001A, 0, true},
+    {MediaKind::DvdPlusRDualLayer, 0x002B, 0, false},
+    {MediaKind::DvdRam, 0x0012, 0, true},
+    {MediaKind::BdRom, 0x0040, 2, false},
+    {MediaKind::BdR, 0x0041, 0, false},
+    {MediaKind::BdRe, 0x0043, 0, true},
+    {MediaKind::HdDvdRom, 0x0050, 2, false},
+    {MediaKind::HdDvdR, 0x0051, 0, false},
+    {MediaKind::HdDvdRw, 0x0053, 0, true},
+    {MediaKind::HdDvdRam, 0x0052, 0, true},
+};
+
+TEST_F(WriterTest, EveryKindReportsItsProfileStatusAndErasableFlag) {
+    ASSERT_EQ(std::size(kKinds), sim::mmc::allMediaKinds().size());
+    for (const KindRow& row : kKinds) {
+        SCOPED_TRACE(sim::mmc::traitsOf(row.kind).name);
+        loadReady(discOf(row.kind));
+        ASSERT_EQ(testUnitReady(), 0u);
+        EXPECT_EQ(currentProfile(), row.profile);
+
+        Bytes answer(512);
+        uint32_t received = 0;
+        ASSERT_EQ(kivscsi::GetConfiguration(path, kDevice, 2, 0, answer.data(), 512, &received),
+                  0u);
+        int currentEntries = 0;
+        for (const auto& entry : kivscsi::decodeProfileList(answer.data(), received)) {
+            if (entry.current) {
+                ++currentEntries;
+                EXPECT_EQ(entry.profile, row.profile);
+            }
+        }
+        EXPECT_EQ(currentEntries, 1);
+
+        const auto info = discInformation();
+        EXPECT_EQ(info.discStatus, row.discStatus);
+        EXPECT_EQ(info.erasable, row.erasable);
+    }
+}
+
+TEST_F(WriterTest, WithoutAReadyDiscTheCurrentProfileIsZero) {
+    EXPECT_EQ(currentProfile(), 0);
+    writer->insertDisc(discOf(MediaKind::BdR));
+    EXPECT_EQ(currentProfile(), 0);  // still spinning up
+    clock.advance(kSpinUpMs);
+    EXPECT_EQ(currentProfile(), 0x0041);
+}
+
+struct IdRow {
+    MediaKind kind;
+    Status adipStatus;      // ReadDvdStructure format 0x11
+    Status physicalStatus;  // ReadDvdStructure format 0x00
+    Status bdStatus;        // ReadBdStructure format 0x00
+};
+
+const IdRow kIdRows[] = {
+    {MediaKind::DvdPlusR, 0, 0, 0x3002},
+    {MediaKind::DvdPlusRw, 0, 0, 0x3002},
+    {MediaKind::DvdPlusRDualLayer, 0, 0, 0x3002},
+    {MediaKind::DvdMinusR, 0x2400, 0, 0x3002},
+    {MediaKind::DvdMinusRw, 0x2400, 0, 0x3002},
+    {MediaKind::HdDvdR, 0x2400, 0, 0x3002},
+    {MediaKind::BdR, 0x3002, 0x3002, 0},
+    {MediaKind::BdRe, 0x3002, 0x3002, 0},
+    {MediaKind::CdR, 0x3002, 0x3002, 0x3002},
+};
+
+TEST_F(WriterTest, IdentificationStructuresCarryTheDiscIdsWhereTheKindHasThem) {
+    for (const IdRow& row : kIdRows) {
+        SCOPED_TRACE(sim::mmc::traitsOf(row.kind).name);
+        DiscModel disc = discOf(row.kind);
+        disc.manufacturerId = "MAKER";
+        disc.discId = "Q7";
+        loadReady(disc);
+
+        Bytes adip(256, 0), physical(256, 0), bd(260, 0);
+        uint32_t adipBytes = 0, physicalBytes = 0, bdBytes = 0;
+        EXPECT_EQ(kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x11, adip.data(), 256, 0,
+                                            &adipBytes),
+                  row.adipStatus);
+        EXPECT_EQ(kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x00, physical.data(), 256, 0,
+                                            &physicalBytes),
+                  row.physicalStatus);
+        EXPECT_EQ(kivscsi::ReadBdStructure(path, kDevice, 0, 0, 0x00, bd.data(), 260, 0, &bdBytes),
+                  row.bdStatus);
+        if (row.adipStatus == 0) {
+            EXPECT_EQ(kivscsi::decodeDvdManufacturerId(adip.data(), adipBytes), "MAKER");
+            EXPECT_EQ(kivscsi::decodeDvdDiscId(adip.data(), adipBytes), "Q7");
+        }
+        if (row.physicalStatus == 0) {
+            EXPECT_EQ(physicalBytes, 256u);  // cut to the allocation, not the 2048-byte structure
+            EXPECT_EQ(kivscsi::decodeDvdManufacturerId(physical.data(), physicalBytes), "MAKER");
+            EXPECT_EQ(kivscsi::decodeDvdDiscId(physical.data(), physicalBytes), "Q7");
+        }
+        if (row.bdStatus == 0) {
+            EXPECT_EQ(kivscsi::decodeBdManufacturerId(bd.data(), bdBytes), "MAKER");
+            EXPECT_EQ(kivscsi::decodeBdDiscId(bd.data(), bdBytes), "Q7");
+        }
+    }
+}
+
+TEST_F(WriterTest, IdsFillTheirFieldsExactlyAndNeverSpillIntoTheNext) {
+    const struct {
+        MediaKind kind;
+        std::string manufacturer, expectedManufacturer;
+    } rows[] = {
+        {MediaKind::DvdPlusR, "ABCDEFGH", "ABCDEFGH"},
+        {MediaKind::DvdPlusR, "ABCDEFGHIJ", "ABCDEFGH"},
+        {MediaKind::BdR, "ABCDEF", "ABCDEF"},
+        {MediaKind::BdR, "ABCDEFGH", "ABCDEF"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.manufacturer);
+        DiscModel disc = discOf(row.kind);
+        disc.manufacturerId = row.manufacturer;
+        disc.discId = "XYZW";
+        loadReady(disc);
+        Bytes answer(260, 0);
+        uint32_t received = 0;
+        if (row.kind == MediaKind::BdR) {
+            ASSERT_EQ(kivscsi::ReadBdStructure(path, kDevice, 0, 0, 0, answer.data(), 260, 0,
+                                               &received), 0u);
+            EXPECT_EQ(kivscsi::decodeBdManufacturerId(answer.data(), received),
+                      row.expectedManufacturer);
+            EXPECT_EQ(kivscsi::decodeBdDiscId(answer.data(), received), "XYZ");
+        } else {
+            ASSERT_EQ(kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x11, answer.data(), 256, 0,
+                                                &received), 0u);
+            EXPECT_EQ(kivscsi::decodeDvdManufacturerId(answer.data(), received),
+                      row.expectedManufacturer);
+            EXPECT_EQ(kivscsi::decodeDvdDiscId(answer.data(), received), "XYZ");
+        }
+    }
+}
+
+TEST_F(WriterTest, AtipGivesTheLeadInAndLeadOutOfRecordableCdsOnly) {
+    const struct {
+        MediaKind kind;
+        sim::mmc::Msf leadIn, leadOut;
+        Status expected;
+    } rows[] = {
+        {MediaKind::CdR, {97, 26, 66}, {79, 59, 74}, 0},
+        {MediaKind::CdRw, {97, 10, 0}, {74, 30, 1}, 0},
+        {MediaKind::CdRom, {}, {}, 0x2400},
+        {MediaKind::DvdPlusR, {}, {}, 0x2400},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(sim::mmc::traitsOf(row.kind).name);
+        DiscModel disc = discOf(row.kind);
+        disc.leadIn = row.leadIn;
+        disc.leadOut = row.leadOut;
+        loadReady(disc);
+        Bytes answer(804, 0);
+        uint32_t received = 0;
+        ASSERT_EQ(kivscsi::KIVR_ReadATIP(path, kDevice, 0, answer.data(), 804, &received),
+                  row.expected);
+        if (row.expected != 0) continue;
+        const auto times = kivscsi::decodeAtip(answer.data(), received);
+        ASSERT_TRUE(times.has_value());
+        EXPECT_EQ(times->leadInStart.minutes, row.leadIn.minutes);
+        EXPECT_EQ(times->leadInStart.seconds, row.leadIn.seconds);
+        EXPECT_EQ(times->leadInStart.frames, row.leadIn.frames);
+        EXPECT_EQ(times->leadOutStart.minutes, row.leadOut.minutes);
+        EXPECT_EQ(times->leadOutStart.seconds, row.leadOut.seconds);
+        EXPECT_EQ(times->leadOutStart.frames, row.leadOut.frames);
+    }
+}
+
+TEST_F(WriterTest, CopyrightStructureReportsTheProtectionType) {
+    for (const uint8_t protection : {uint8_t{0}, uint8_t{1}, uint8_t{2}}) {
+        DiscModel disc = discOf(MediaKind::DvdRom);
+        disc.copyProtection = protection;
+        loadReady(disc);
+        Bytes answer(512, 0xFF);
+        uint32_t received = 0;
+        ASSERT_EQ(kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x01, answer.data(), 512, 0,
+                                            &received), 0u);
+        EXPECT_EQ(kivscsi::decodeCopyProtectionType(answer.data(), received), protection);
+    }
+}
+
+}  // namespace
+}  // namespace mmctest

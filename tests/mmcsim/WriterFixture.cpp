@@ -1,0 +1,105 @@
+#include "WriterFixture.h"
+
+#include "os/EmulatedDevice.h"
+
+namespace mmctest {
+
+WriterTest::WriterTest() {
+    os::installClock(&clock);
+    sim::mmc::WriterConfig config;
+    config.spinUpMilliseconds = kSpinUpMs;
+    writer = sim::mmc::registerEmulatedWriter(kDevice, config);
+}
+
+WriterTest::~WriterTest() {
+    os::unregisterEmulatedDevice(kDevice);
+    writer.reset();
+    os::installClock(nullptr);
+}
+
+void WriterTest::loadReady(const DiscModel& disc) {
+    writer->insertDisc(disc);
+    clock.advance(kSpinUpMs);
+}
+
+void WriterTest::loadWritable(MediaKind kind, uint32_t capacitySectors) {
+    DiscModel disc = sim::mmc::discOf(kind);
+    if (disc.kind == MediaKind::DvdPlusRw || disc.kind == MediaKind::BdRe ||
+        disc.kind == MediaKind::DvdRam) {
+        disc.status = sim::mmc::DiscStatus::Complete;
+    }
+    if (capacitySectors != 0) disc.capacitySectors = capacitySectors;
+    loadReady(disc);
+}
+
+Status WriterTest::testUnitReady() { return kivscsi::TestUnitReady(path, kDevice); }
+
+uint16_t WriterTest::currentProfile() {
+    Bytes answer(512);
+    uint32_t received = 0;
+    EXPECT_EQ(kivscsi::GetConfiguration(path, kDevice, 2, 0, answer.data(), 512, &received), 0u);
+    const auto header = kivscsi::decodeFeatureHeader(answer.data(), received);
+    return header ? header->currentProfile : 0xFFFF;
+}
+
+kivscsi::DiscInformation WriterTest::discInformation() {
+    Bytes answer(804);
+    uint32_t received = 0;
+    EXPECT_EQ(kivscsi::ReadDiscInformation(path, kDevice, answer.data(), 804, 0, &received), 0u);
+    return kivscsi::decodeDiscInformation(answer.data(), received).value_or(
+        kivscsi::DiscInformation{});
+}
+
+Status WriterTest::write(uint32_t lba, uint16_t count, uint8_t fill) {
+    const Bytes data = filled(count, fill);
+    return kivscsi::WriteBlocksEx(path, kDevice, data.data(), sim::mmc::kSectorBytes, lba, count,
+                                  300);
+}
+
+Status WriterTest::read(uint32_t lba, uint16_t count, bool forced, Bytes& out) {
+    out.assign(size_t{count} * sim::mmc::kSectorBytes, 0xEE);
+    const auto bytes = static_cast<uint32_t>(out.size());
+    return forced ? kivscsi::ReadBlocksFUAEx(path, kDevice, out.data(), bytes, lba, count)
+                  : kivscsi::ReadBlocksTimedEx(path, kDevice, out.data(), bytes, lba, count, 10);
+}
+
+Status WriterTest::synchronizeCache() { return kivscsi::KIVR_SynchronizeCache(path, kDevice, 300); }
+
+Bytes WriterTest::requestSense() {
+    auto opened = kivscsi::openTransport(kDevice);
+    Bytes data(18, 0);
+    kivscsi::ScsiCommand command;
+    command.cdb[0] = 0x03;
+    command.cdb[4] = 18;
+    command.cdbLength = 6;
+    command.direction = kivscsi::DataDirection::FromDevice;
+    command.buffer = data.data();
+    command.bufferLength = 18;
+    command.timeoutMs = 1000;
+    EXPECT_EQ(kivscsi::statusFromResponse(opened.transport->send(command)), 0u);
+    return data;
+}
+
+uint16_t WriterTest::currentWriteSpeed() {
+    Bytes answer(804);
+    uint32_t received = 0;
+    if (kivscsi::KIVR_GetSenseData10(path, kDevice, 0x2A, answer.data(), 804, &received) != 0) {
+        return 0;
+    }
+    const auto page = kivscsi::findModePage(answer.data(), received, 0x2A);
+    if (!page) return 0;
+    return kivscsi::decodeCurrentWriteSpeed(*page).value_or(0);
+}
+
+Status WriterTest::selectWriteParameters(uint8_t byte2, uint8_t byte3) {
+    Bytes list(8 + 52, 0);
+    list[2] = 0x21;
+    list[8] = 0x05;
+    list[9] = 0x32;
+    list[10] = byte2;
+    list[11] = byte3;
+    return kivscsi::KIVR_SetSenseData10(path, kDevice, 0, list.data(),
+                                        static_cast<uint16_t>(list.size()));
+}
+
+}  // namespace mmctest

@@ -1,0 +1,57 @@
+// A registered emulated writer on a virtual clock, and short forms of the SCSI library calls
+// the optical drive makes, for the writer's tests.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+#include "os/VirtualClock.h"
+#include "scsi/Scsi.h"
+#include "sim/mmc/EmulatedWriter.h"
+
+namespace mmctest {
+
+using Bytes = std::vector<uint8_t>;
+using kivscsi::Status;
+using sim::mmc::DiscModel;
+using sim::mmc::MediaKind;
+
+inline constexpr const char* kDevice = "\\\\.\\SimCdRom7";
+inline constexpr uint32_t kSpinUpMs = 2000;
+
+class WriterTest : public ::testing::Test {
+public:
+    WriterTest();
+    ~WriterTest() override;
+
+    // Inserts `disc` and lets it spin up.
+    void loadReady(const DiscModel& disc);
+    // A formatted (or, for write-once kinds, blank) disc of `kind`, ready.
+    void loadWritable(MediaKind kind, uint32_t capacitySectors = 0);
+
+    Status testUnitReady();
+    uint16_t currentProfile();
+    kivscsi::DiscInformation discInformation();
+    Status write(uint32_t lba, uint16_t count, uint8_t fill);
+    // Reads `count` sectors; FUA when `forced`. The bytes land in `out`.
+    Status read(uint32_t lba, uint16_t count, bool forced, Bytes& out);
+    Status synchronizeCache();
+    // REQUEST SENSE through the transport: the fixed sense data the drive returns.
+    Bytes requestSense();
+    // The current write speed from the capabilities page; 0 when absent.
+    uint16_t currentWriteSpeed();
+    // MODE SELECT of the write parameters page with `byte2` and `byte3` set.
+    Status selectWriteParameters(uint8_t byte2, uint8_t byte3);
+
+    static Bytes filled(uint16_t count, uint8_t fill) {
+        return Bytes(size_t{count} * sim::mmc::kSectorBytes, fill);
+    }
+
+    os::VirtualClock clock{1'700'000'000'000ull};
+    std::shared_ptr<sim::mmc::EmulatedWriter> writer;
+    _SCSI_PATH path{};
+};
+
+}  // namespace mmctest
