@@ -53,8 +53,8 @@ TEST(DecoderTest, ProfileListKeepsInsideEveryLimit) {
         // sanitizer catch any read past it.
         const Bytes seen(c.data.begin(), c.data.begin() + c.received);
         std::vector<uint16_t> profiles;
-        for (const kivscsi::ProfileEntry& entry : kivscsi::decodeProfileList(seen.data(),
-                                                                             seen.size())) {
+        for (const kivscsi::ProfileEntry& entry :
+             kivscsi::decodeProfileList(seen.data(), seen.size())) {
             profiles.push_back(entry.profile);
         }
         EXPECT_EQ(profiles, c.expected);
@@ -101,13 +101,23 @@ TEST(DecoderTest, MediaEvent) {
         uint8_t eventClass;
     };
     const std::vector<Case> cases = {
-        {"disc present, tray closed", {0, 6, 0x04, 0x5E, 0x02, 0x02, 0, 0}, true, true, true,
-         false, 4},
+        {"disc present, tray closed",
+         {0, 6, 0x04, 0x5E, 0x02, 0x02, 0, 0},
+         true,
+         true,
+         true,
+         false,
+         4},
         {"tray open", {0, 6, 0x04, 0x5E, 0x03, 0x01, 0, 0}, true, true, false, true, 4},
         {"no event available", {0, 2, 0x80, 0x5E}, true, false, false, false, 0},
         {"status byte not received", {0, 6, 0x04, 0x5E, 0x02}, true, false, false, false, 4},
-        {"status byte beyond stated length", {0, 3, 0x04, 0x5E, 0x02, 0x02}, true, false,
-         false, false, 4},
+        {"status byte beyond stated length",
+         {0, 3, 0x04, 0x5E, 0x02, 0x02},
+         true,
+         false,
+         false,
+         false,
+         4},
         {"header cut", {0, 6, 0x04}, false, false, false, false, 0},
     };
     for (const Case& c : cases) {
@@ -256,8 +266,7 @@ TEST(DecoderTest, StructureIdentifiers) {
     const std::vector<Case> cases = {
         {"DVD manufacturer", structure(256, 23, "MCC 004 R05"), 256,
          kivscsi::decodeDvdManufacturerId, "MCC 004 "},
-        {"DVD disc id", structure(256, 23, "MCC 004 R05"), 256, kivscsi::decodeDvdDiscId,
-         "R05"},
+        {"DVD disc id", structure(256, 23, "MCC 004 R05"), 256, kivscsi::decodeDvdDiscId, "R05"},
         {"DVD manufacturer cut at zero", structure(256, 23, std::string("RIT\0XYZ", 7)), 256,
          kivscsi::decodeDvdManufacturerId, "RIT"},
         {"DVD manufacturer cut by received", structure(256, 23, "MCC 004 R05"), 27,
@@ -266,13 +275,12 @@ TEST(DecoderTest, StructureIdentifiers) {
          kivscsi::decodeDvdManufacturerId, "MCC "},
         {"DVD disc id not received", structure(256, 23, "MCC 004 R05"), 31,
          kivscsi::decodeDvdDiscId, ""},
-        {"BD manufacturer", structure(260, 104, "VERBAT1M2"), 260,
-         kivscsi::decodeBdManufacturerId, "VERBAT"},
+        {"BD manufacturer", structure(260, 104, "VERBAT1M2"), 260, kivscsi::decodeBdManufacturerId,
+         "VERBAT"},
         {"BD disc id", structure(260, 104, "VERBAT1M2"), 260, kivscsi::decodeBdDiscId, "1M2"},
-        {"BD disc id last byte cut", structure(260, 104, "VERBAT1M2"), 112,
-         kivscsi::decodeBdDiscId, "1M"},
-        {"header only", structure(260, 104, "VERBAT1M2"), 4, kivscsi::decodeBdManufacturerId,
-         ""},
+        {"BD disc id last byte cut", structure(260, 104, "VERBAT1M2"), 112, kivscsi::decodeBdDiscId,
+         "1M"},
+        {"header only", structure(260, 104, "VERBAT1M2"), 4, kivscsi::decodeBdManufacturerId, ""},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

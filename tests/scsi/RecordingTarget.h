@@ -34,8 +34,7 @@ struct Reply {
 
 class RecordingTarget : public os::EmulatedDevice, public kivscsi::ScsiTarget {
 public:
-    void execute(const kivscsi::ScsiCommand& command,
-                 kivscsi::ScsiResponse& response) override {
+    void execute(const kivscsi::ScsiCommand& command, kivscsi::ScsiResponse& response) override {
         RecordedCommand recorded;
         recorded.cdb.assign(command.cdb.begin(), command.cdb.begin() + command.cdbLength);
         recorded.direction = command.direction;
@@ -50,8 +49,8 @@ public:
         if (reply.costMs != 0) os::sleepMilliseconds(reply.costMs);
         response.transportStatus = reply.transportStatus;
         response.scsiStatus = reply.scsiStatus;
-        response.senseLength = static_cast<uint8_t>(
-            std::min<size_t>(reply.sense.size(), response.sense.size()));
+        response.senseLength =
+            static_cast<uint8_t>(std::min<size_t>(reply.sense.size(), response.sense.size()));
         std::copy_n(reply.sense.begin(), response.senseLength, response.sense.begin());
         if (command.direction == kivscsi::DataDirection::FromDevice) {
             const size_t count = std::min<size_t>(reply.dataIn.size(), command.bufferLength);

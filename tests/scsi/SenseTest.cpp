@@ -46,16 +46,14 @@ TEST(SenseTest, StatusFromSenseData) {
          fixedSense(0x70, 0x04, 0x08, 0x03, 5, 18), kivscsi::kStatusNoSense},
         {"fixed stating 6 additional bytes: ASCQ last", fixedSense(0x70, 0x04, 0x08, 0x03, 6),
          0x0803},
-        {"fixed 8 bytes only", fixedSense(0x70, 0x02, 0x3A, 0x00, 10, 8),
-         kivscsi::kStatusNoSense},
+        {"fixed 8 bytes only", fixedSense(0x70, 0x02, 0x3A, 0x00, 10, 8), kivscsi::kStatusNoSense},
         {"descriptor current", descriptorSense(0x72, 0x02, 0x3A, 0x01), 0x3A01},
         {"descriptor deferred", descriptorSense(0x73, 0x06, 0x28, 0x00), 0x2800},
         {"descriptor 4 bytes", {0x72, 0x05, 0x21, 0x02}, 0x2102},
         {"descriptor 3 bytes", {0x72, 0x05, 0x21}, kivscsi::kStatusNoSense},
         {"recovered error without a code is success", fixedSense(0x70, 0x01, 0x00, 0x00),
          kivscsi::kStatusGood},
-        {"recovered error with a code keeps it", descriptorSense(0x72, 0x01, 0x17, 0x01),
-         0x1701},
+        {"recovered error with a code keeps it", descriptorSense(0x72, 0x01, 0x17, 0x01), 0x1701},
         {"medium error without a code", fixedSense(0x70, 0x03, 0x00, 0x00),
          kivscsi::kStatusSenseWithoutCode},
         {"no sense key without a code", descriptorSense(0x72, 0x00, 0x00, 0x00),
@@ -111,8 +109,7 @@ TEST(SenseTest, StatusFromResponse) {
         {"task aborted", 0, 0x40, false, kivscsi::kStatusUnexpectedScsiStatus},
         {"transport failure wins over sense", kivscsi::kStatusDeviceGone, 0x02, true,
          kivscsi::kStatusDeviceGone},
-        {"timeout wins over good", kivscsi::kStatusTimedOut, 0x00, false,
-         kivscsi::kStatusTimedOut},
+        {"timeout wins over good", kivscsi::kStatusTimedOut, 0x00, false, kivscsi::kStatusTimedOut},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -134,9 +131,9 @@ TEST(SenseTest, TransportFailureRanges) {
         bool gone;
     };
     const std::vector<Case> cases = {
-        {0x0000, false, false}, {0x3A00, false, false}, {0xA9FF, false, false},
-        {0xAA00, true, false},  {0xAA02, true, false},  {0xABFF, true, false},
-        {0xAB0D, true, true},   {0xAB10, true, true},   {0xAC00, false, false},
+        {0x0000, false, false},  {0x3A00, false, false}, {0xA9FF, false, false},
+        {0xAA00, true, false},   {0xAA02, true, false},  {0xABFF, true, false},
+        {0xAB0D, true, true},    {0xAB10, true, true},   {0xAC00, false, false},
         {0x1AA02, false, false},
     };
     for (const Case& c : cases) {

@@ -117,8 +117,11 @@ TEST_F(TransportTest, ReadCapacityAnswers) {
     };
     const std::vector<Case> cases = {
         {"full", {0x00, 0x23, 0x45, 0x67, 0x00, 0x00, 0x08, 0x00}, 0, 0x234567, 2048},
-        {"seven bytes", {0x00, 0x23, 0x45, 0x67, 0x00, 0x00, 0x08}, kivscsi::kStatusShortAnswer,
-         7, 7},
+        {"seven bytes",
+         {0x00, 0x23, 0x45, 0x67, 0x00, 0x00, 0x08},
+         kivscsi::kStatusShortAnswer,
+         7,
+         7},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -167,8 +170,7 @@ TEST_F(TransportTest, MalformedCommandsAreRefusedUnsent) {
         command.buffer = c.nullBuffer ? nullptr : buffer;
         command.bufferLength = sizeof(buffer);
         command.timeoutMs = 1000;
-        EXPECT_EQ(opened.transport->send(command).transportStatus,
-                  kivscsi::kStatusInvalidRequest);
+        EXPECT_EQ(opened.transport->send(command).transportStatus, kivscsi::kStatusInvalidRequest);
     }
     EXPECT_TRUE(device.target().commands.empty());
 }
@@ -207,8 +209,7 @@ TEST_F(TraceTest, EveryCommandIsLoggedWithItsStatus) {
     gone.transportStatus = kivscsi::kStatusDeviceGone;
     const std::vector<Case> cases = {
         {"good", good, "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> 0000 in 15 ms, residual 8"},
-        {"full answer", fullAnswer,
-         "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> 0000 in 0 ms"},
+        {"full answer", fullAnswer, "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> 0000 in 0 ms"},
         {"sense", noMedium,
          "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> 3A01 in 0 ms, residual 16, sense 72 "
          "02 3A 01"},

@@ -11,9 +11,9 @@
 namespace kivscsi {
 
 // Default timeouts of commands that take none from the caller.
-inline constexpr uint32_t kShortTimeoutMs = 30'000;          // status and identification
-inline constexpr uint32_t kMechanicalTimeoutMs = 60'000;     // tray, spin-up, OPC
-inline constexpr uint32_t kRecordingTimeoutMs = 3'600'000;   // blank, format, close session
+inline constexpr uint32_t kShortTimeoutMs = 30'000;         // status and identification
+inline constexpr uint32_t kMechanicalTimeoutMs = 60'000;    // tray, spin-up, OPC
+inline constexpr uint32_t kRecordingTimeoutMs = 3'600'000;  // blank, format, close session
 
 // Builds commands field by field; the opcode goes into byte 0.
 struct CdbBuilder {

@@ -28,8 +28,7 @@ std::optional<FeatureHeader> decodeFeatureHeader(const uint8_t* data, size_t rec
     return header;
 }
 
-std::optional<FeatureDescriptor> findFeature(const uint8_t* data, size_t received,
-                                             uint16_t code) {
+std::optional<FeatureDescriptor> findFeature(const uint8_t* data, size_t received, uint16_t code) {
     if (data == nullptr || received < kFeatureHeaderLength) return std::nullopt;
     const size_t limit = configurationLimit(data, received);
     size_t offset = kFeatureHeaderLength;
@@ -56,8 +55,7 @@ std::optional<FeatureDescriptor> findFeature(const uint8_t* data, size_t receive
 
 std::vector<ProfileEntry> decodeProfileList(const uint8_t* data, size_t received) {
     std::vector<ProfileEntry> profiles;
-    const std::optional<FeatureDescriptor> list =
-        findFeature(data, received, kProfileListFeature);
+    const std::optional<FeatureDescriptor> list = findFeature(data, received, kProfileListFeature);
     if (!list) return profiles;
     for (size_t offset = 0; offset + kProfileDescriptorLength <= list->available;
          offset += kProfileDescriptorLength) {

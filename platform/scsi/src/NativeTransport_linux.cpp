@@ -120,8 +120,7 @@ public:
         }
         response.scsiStatus = io.status;
         response.senseLength = std::min<uint8_t>(io.sb_len_wr, kMaxSenseLength);
-        response.residual =
-            hasData ? std::clamp<uint32_t>(io.resid, 0, command.bufferLength) : 0;
+        response.residual = hasData ? std::clamp<uint32_t>(io.resid, 0, command.bufferLength) : 0;
         return response;
     }
 

@@ -1,12 +1,15 @@
 // SCSI pass-through direct for Windows devices (\\.\CdRom0, \\.\E:).
 #include <windows.h>
+
 // winioctl.h first: the lean windows.h leaves out what ntddscsi.h builds on.
 #include <winioctl.h>
+
 #include <ntddscsi.h>
+
+#include <malloc.h>
 
 #include <algorithm>
 #include <cstring>
-#include <malloc.h>
 
 #include "NativeTransport.h"
 #include "os/Clock.h"
@@ -131,9 +134,9 @@ public:
 
         DWORD returned = 0;
         const uint64_t start = os::clock().monotonicMilliseconds();
-        const BOOL ok = DeviceIoControl(handle_, IOCTL_SCSI_PASS_THROUGH_DIRECT, &request,
-                                        sizeof(request), &request, sizeof(request), &returned,
-                                        nullptr);
+        const BOOL ok =
+            DeviceIoControl(handle_, IOCTL_SCSI_PASS_THROUGH_DIRECT, &request, sizeof(request),
+                            &request, sizeof(request), &returned, nullptr);
         const DWORD error = ok ? ERROR_SUCCESS : GetLastError();
         response.durationMs = static_cast<uint32_t>(
             std::min<uint64_t>(os::clock().monotonicMilliseconds() - start, UINT32_MAX));
@@ -142,8 +145,7 @@ public:
             return response;
         }
         const uint32_t transferred =
-            hasData ? std::min<uint32_t>(request.sptd.DataTransferLength, command.bufferLength)
-                    : 0;
+            hasData ? std::min<uint32_t>(request.sptd.DataTransferLength, command.bufferLength) : 0;
         if (hasData && !aligned && command.direction == DataDirection::FromDevice) {
             std::memcpy(command.buffer, data, transferred);
         }
@@ -176,12 +178,11 @@ size_t adapterAlignment(HANDLE handle) {
 
 OpenResult openNativeTransport(const std::string& deviceName) {
     const std::wstring wideName = os::fromUtf8(deviceName);
-    HANDLE handle = CreateFileW(wideName.c_str(), GENERIC_READ | GENERIC_WRITE,
-                                FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
-                                nullptr);
+    HANDLE handle =
+        CreateFileW(wideName.c_str(), GENERIC_READ | GENERIC_WRITE,
+                    FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
     if (handle == INVALID_HANDLE_VALUE) return {nullptr, statusForOpenError(GetLastError())};
-    return {std::make_unique<PassThroughTransport>(handle, adapterAlignment(handle)),
-            kStatusGood};
+    return {std::make_unique<PassThroughTransport>(handle, adapterAlignment(handle)), kStatusGood};
 }
 
 }  // namespace kivscsi

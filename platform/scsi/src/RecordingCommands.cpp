@@ -18,8 +18,7 @@ constexpr uint8_t kCloseTrack = 1;
 
 }  // namespace
 
-Status Blank(const _SCSI_PATH& path, const char* deviceName, uint8_t type,
-             uint32_t startAddress) {
+Status Blank(const _SCSI_PATH& path, const char* deviceName, uint8_t type, uint32_t startAddress) {
     return execute(path, deviceName,
                    CdbBuilder(kBlank, 12)
                        .byte(1, type & kBlankTypeMask)
@@ -53,8 +52,7 @@ Status CloseTrack(const _SCSI_PATH& path, const char* deviceName, uint16_t track
     return CloseTrackSession(path, deviceName, kCloseTrack, trackNumber, false);
 }
 
-Status CloseFirstSession(const _SCSI_PATH& path, const char* deviceName,
-                         uint8_t closeFunction) {
+Status CloseFirstSession(const _SCSI_PATH& path, const char* deviceName, uint8_t closeFunction) {
     return CloseTrackSession(path, deviceName, closeFunction, 1, false);
 }
 

@@ -21,7 +21,8 @@ SenseFields decodeSense(const uint8_t* sense, size_t length) {
     if (responseCode == 0x70 || responseCode == 0x71) {
         if (length <= kFixedAdditionalLengthOffset) return fields;
         // The drive may state fewer bytes than it sent, or more; the smaller count is real.
-        const size_t stated = kFixedAdditionalLengthOffset + 1 + sense[kFixedAdditionalLengthOffset];
+        const size_t stated =
+            kFixedAdditionalLengthOffset + 1 + sense[kFixedAdditionalLengthOffset];
         const size_t usable = std::min(length, stated);
         if (usable <= kFixedAscqOffset) return fields;
         fields.valid = true;

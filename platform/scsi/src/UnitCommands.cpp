@@ -19,14 +19,14 @@ constexpr uint8_t kPreventBit = 0x01;
 constexpr uint32_t kCapacityAnswerLength = 8;
 
 Status startStop(const _SCSI_PATH& path, const char* deviceName, uint8_t bits) {
-    return execute(path, deviceName,
-                   CdbBuilder(kStartStopUnit, 6).byte(4, bits).timeout(kMechanicalTimeoutMs)
-                       .command);
+    return execute(
+        path, deviceName,
+        CdbBuilder(kStartStopUnit, 6).byte(4, bits).timeout(kMechanicalTimeoutMs).command);
 }
 
 Status preventAllow(const _SCSI_PATH& path, const char* deviceName, uint8_t bits) {
-    return execute(path, deviceName, CdbBuilder(kPreventAllowMediumRemoval, 6).byte(4, bits)
-                                         .command);
+    return execute(path, deviceName,
+                   CdbBuilder(kPreventAllowMediumRemoval, 6).byte(4, bits).command);
 }
 
 }  // namespace
@@ -64,8 +64,7 @@ Status ReadCapacity(const _SCSI_PATH& path, const char* deviceName, Capacity* ca
     uint32_t received = 0;
     const Status status =
         execute(path, deviceName,
-                CdbBuilder(kReadCapacity10, 10).dataIn(answer, sizeof(answer)).command,
-                &received);
+                CdbBuilder(kReadCapacity10, 10).dataIn(answer, sizeof(answer)).command, &received);
     if (status != kStatusGood) return status;
     if (received < kCapacityAnswerLength) return kStatusShortAnswer;
     if (capacity != nullptr) {

@@ -29,8 +29,8 @@ SCSI_API Status ReadBlocksFUAEx(const _SCSI_PATH& path, const char* deviceName, 
 // WRITE(10) of `count` blocks of `blockBytes` bytes each from `buffer` to `lba` (the data phase
 // is count x blockBytes; REQUIRES: buffer valid for that many), waiting up to
 // `timeoutSeconds`. A data phase over 4 GiB is refused with kStatusInvalidRequest.
-SCSI_API Status WriteBlocksEx(const _SCSI_PATH& path, const char* deviceName,
-                              const void* buffer, uint32_t blockBytes, uint32_t lba,
-                              uint16_t count, uint32_t timeoutSeconds);
+SCSI_API Status WriteBlocksEx(const _SCSI_PATH& path, const char* deviceName, const void* buffer,
+                              uint32_t blockBytes, uint32_t lba, uint16_t count,
+                              uint32_t timeoutSeconds);
 
 }  // namespace kivscsi

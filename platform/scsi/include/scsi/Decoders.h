@@ -81,12 +81,11 @@ struct DiscInformation {
     size_t availableBytes = 0;  // bytes of the block inside both limits; later fields are 0
 };
 // Needs the length field and the status byte (3 bytes); fields beyond what came back are 0.
-SCSI_API std::optional<DiscInformation> decodeDiscInformation(const uint8_t* data,
-                                                              size_t received);
+SCSI_API std::optional<DiscInformation> decodeDiscInformation(const uint8_t* data, size_t received);
 
 // ---- MODE SENSE(10) ----
 struct ModePage {
-    uint8_t pageCode = 0;          // low six bits of the page's first byte
+    uint8_t pageCode = 0;           // low six bits of the page's first byte
     const uint8_t* page = nullptr;  // the page's first byte, inside the caller's buffer
     size_t available = 0;  // bytes of the page inside the answer, 2-byte page header included
 };

@@ -26,21 +26,19 @@ SCSI_API Status GetEventStatusNotification(const _SCSI_PATH& path, const char* d
                                            uint16_t allocation, uint32_t* received = nullptr);
 
 // READ DISC INFORMATION with data type `dataType` (0: standard disc information).
-SCSI_API Status ReadDiscInformation(const _SCSI_PATH& path, const char* deviceName,
-                                    void* buffer, uint16_t allocation, uint8_t dataType = 0,
+SCSI_API Status ReadDiscInformation(const _SCSI_PATH& path, const char* deviceName, void* buffer,
+                                    uint16_t allocation, uint8_t dataType = 0,
                                     uint32_t* received = nullptr);
 
 // READ DISC STRUCTURE for DVD and HD DVD media (media type 0) and for BD media (media type 1).
 // `format` selects the structure (DVD 0x00 physical format, 0x01 copyright, 0x11 ADIP;
 // BD 0x00 disc information); `agid` is the authentication grant id (0..3).
-SCSI_API Status ReadDvdStructure(const _SCSI_PATH& path, const char* deviceName,
-                                 uint32_t address, uint8_t layer, uint8_t format, void* buffer,
-                                 uint16_t allocation, uint8_t agid = 0,
-                                 uint32_t* received = nullptr);
-SCSI_API Status ReadBdStructure(const _SCSI_PATH& path, const char* deviceName,
-                                uint32_t address, uint8_t layer, uint8_t format, void* buffer,
-                                uint16_t allocation, uint8_t agid = 0,
-                                uint32_t* received = nullptr);
+SCSI_API Status ReadDvdStructure(const _SCSI_PATH& path, const char* deviceName, uint32_t address,
+                                 uint8_t layer, uint8_t format, void* buffer, uint16_t allocation,
+                                 uint8_t agid = 0, uint32_t* received = nullptr);
+SCSI_API Status ReadBdStructure(const _SCSI_PATH& path, const char* deviceName, uint32_t address,
+                                uint8_t layer, uint8_t format, void* buffer, uint16_t allocation,
+                                uint8_t agid = 0, uint32_t* received = nullptr);
 
 // READ TOC/PMA/ATIP with format 4 (ATIP). `msf` sets the MSF bit (0 in normal use).
 SCSI_API Status KIVR_ReadATIP(const _SCSI_PATH& path, const char* deviceName, uint8_t msf,

@@ -19,12 +19,12 @@ SCSI_API Status KIVR_GetSenseData10(const _SCSI_PATH& path, const char* deviceNa
 
 // MODE SELECT(10) sending `length` bytes of `parameterList` (mode parameter header followed by
 // pages). The page-format bit is always set; bit 0 of `flags` asks the drive to save the pages.
-SCSI_API Status KIVR_SetSenseData10(const _SCSI_PATH& path, const char* deviceName,
-                                    uint8_t flags, const void* parameterList, uint16_t length);
+SCSI_API Status KIVR_SetSenseData10(const _SCSI_PATH& path, const char* deviceName, uint8_t flags,
+                                    const void* parameterList, uint16_t length);
 
 // SET CD SPEED with read and write speeds in kB/s (0xFFFF: the drive's maximum).
-SCSI_API Status KIVR_SetCDSpeed(const _SCSI_PATH& path, const char* deviceName,
-                                uint16_t readSpeed, uint16_t writeSpeed);
+SCSI_API Status KIVR_SetCDSpeed(const _SCSI_PATH& path, const char* deviceName, uint16_t readSpeed,
+                                uint16_t writeSpeed);
 
 // SEND OPC INFORMATION asking the drive to run its optimum power calibration now.
 SCSI_API Status SendOPCInfo(const _SCSI_PATH& path, const char* deviceName);
