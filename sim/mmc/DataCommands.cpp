@@ -15,8 +15,7 @@ struct Transfer {
 Transfer transferOf(const Command& command) {
     const uint8_t* cdb = command.cdb.data();
     const bool twelve = cdb[0] == opcode::kRead12 || cdb[0] == opcode::kWrite12;
-    return Transfer{be32(&cdb[2]), twelve ? be32(&cdb[6]) : be16(&cdb[7]),
-                    (cdb[1] & 0x08) != 0};
+    return Transfer{be32(&cdb[2]), twelve ? be32(&cdb[6]) : be16(&cdb[7]), (cdb[1] & 0x08) != 0};
 }
 
 // Microseconds to move `bytes` at `kilobytesPerSecond`.

@@ -76,7 +76,7 @@ private:
     uint16_t closedSessions_ = 0;
     uint16_t closedTracks_ = 0;
     uint16_t lastSessionFirstTrack_ = 1;
-    bool formatted_ = false;           // overwrite mode reached
+    bool formatted_ = false;            // overwrite mode reached
     bool restrictedOverwrite_ = false;  // DVD-RW formatted for overwriting
     uint64_t backgroundFormatEndMs_ = 0;
     bool backgroundFormatStarted_ = false;

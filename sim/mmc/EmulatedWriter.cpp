@@ -29,7 +29,8 @@ std::optional<SectorRange> sectorsOf(const std::array<uint8_t, 16>& cdb) {
 
 void sleepUntil(uint64_t deadlineMs) {
     for (uint64_t t = now(); t < deadlineMs; t = now()) {
-        os::sleepMilliseconds(static_cast<uint32_t>(std::min<uint64_t>(deadlineMs - t, 0xFFFFFFFEu)));
+        os::sleepMilliseconds(
+            static_cast<uint32_t>(std::min<uint64_t>(deadlineMs - t, 0xFFFFFFFEu)));
     }
 }
 
@@ -76,8 +77,7 @@ os::GeometryResult EmulatedWriter::geometry() {
     return result;
 }
 
-void EmulatedWriter::execute(const kivscsi::ScsiCommand& command,
-                             kivscsi::ScsiResponse& response) {
+void EmulatedWriter::execute(const kivscsi::ScsiCommand& command, kivscsi::ScsiResponse& response) {
     std::unique_lock lock(mutex_);
     Command received;
     received.nowMs = now();
@@ -89,8 +89,8 @@ void EmulatedWriter::execute(const kivscsi::ScsiCommand& command,
     if (command.direction == kivscsi::DataDirection::FromDevice && command.buffer != nullptr) {
         received.dataInLength = command.bufferLength;
     }
-    CommandRecord record{{received.cdb.begin(), received.cdb.begin() + cdbLength},
-                         {}, false, received.nowMs};
+    CommandRecord record{
+        {received.cdb.begin(), received.cdb.begin() + cdbLength}, {}, false, received.nowMs};
 
     if (state_.faults.gone()) {
         response.transportStatus = kivscsi::kStatusDeviceGone;

@@ -32,19 +32,17 @@ using enum Recording;
 
 const std::array<MediaTraits, 18> kTraits = {{
     {CdRom, "CD-ROM", 0x0008, Cd, ReadOnly, false, 333000, 0, "", {}, kCdRead},
-    {CdR, "CD-R", 0x0009, Cd, Sequential, false, kCdRecordableSectors, 0, "", kCdRSpeeds,
-     kCdRead},
+    {CdR, "CD-R", 0x0009, Cd, Sequential, false, kCdRecordableSectors, 0, "", kCdRSpeeds, kCdRead},
     {CdRw, "CD-RW", 0x000A, Cd, Sequential, true, kCdRecordableSectors, 0, "", kCdRwSpeeds,
      kCdRead},
     {DvdRom, "DVD-ROM", 0x0010, Dvd, ReadOnly, false, 2298496, 0x0, "", {}, kDvdRead},
     {DvdMinusR, "DVD-R", 0x0011, Dvd, Sequential, false, 2298496, 0x2, "G01", kDvdRSpeeds,
      kDvdRead},
-    {DvdMinusRw, "DVD-RW", kProfileDvdMinusRwSequential, Dvd, Sequential, true, 2297888, 0x3,
-     "W01", kDvdRwSpeeds, kDvdRead},
+    {DvdMinusRw, "DVD-RW", kProfileDvdMinusRwSequential, Dvd, Sequential, true, 2297888, 0x3, "W01",
+     kDvdRwSpeeds, kDvdRead},
     {DvdMinusRDualLayer, "DVD-R DL", 0x0015, Dvd, Sequential, false, 4171712, 0x2, "L01",
      kDvdDualLayerSpeeds, kDvdRead},
-    {DvdPlusR, "DVD+R", 0x001B, Dvd, Sequential, false, 2295104, 0xA, "R01", kDvdRSpeeds,
-     kDvdRead},
+    {DvdPlusR, "DVD+R", 0x001B, Dvd, Sequential, false, 2295104, 0xA, "R01", kDvdRSpeeds, kDvdRead},
     {DvdPlusRw, "DVD+RW", 0x001A, Dvd, Overwrite, false, 2295104, 0x9, "W11", kDvdRwSpeeds,
      kDvdRead},
     {DvdPlusRDualLayer, "DVD+R DL", 0x002B, Dvd, Sequential, false, 4173824, 0xE, "D01",
@@ -57,20 +55,34 @@ const std::array<MediaTraits, 18> kTraits = {{
     {HdDvdRom, "HD DVD-ROM", 0x0050, HdDvd, ReadOnly, false, 7315200, 0x4, "", {}, kHdDvdRead},
     {HdDvdR, "HD DVD-R", 0x0051, HdDvd, Sequential, false, 7315200, 0x6, "H01", kHdDvdRSpeeds,
      kHdDvdRead},
-    {HdDvdRw, "HD DVD-RW", 0x0053, HdDvd, Sequential, true, 7315200, 0x7, "H02",
-     kHdDvdRwSpeeds, kHdDvdRead},
-    {HdDvdRam, "HD DVD-RAM", 0x0052, HdDvd, Overwrite, false, 7315200, 0x5, "H03",
-     kHdDvdRwSpeeds, kHdDvdRead},
+    {HdDvdRw, "HD DVD-RW", 0x0053, HdDvd, Sequential, true, 7315200, 0x7, "H02", kHdDvdRwSpeeds,
+     kHdDvdRead},
+    {HdDvdRam, "HD DVD-RAM", 0x0052, HdDvd, Overwrite, false, 7315200, 0x5, "H03", kHdDvdRwSpeeds,
+     kHdDvdRead},
 }};
 
-const std::array<MediaKind, 18> kKinds = {
-    CdRom, CdR,     CdRw,  DvdRom, DvdMinusR, DvdMinusRw, DvdMinusRDualLayer, DvdPlusR, DvdPlusRw,
-    DvdPlusRDualLayer, DvdRam, BdRom, BdR, BdRe, HdDvdRom, HdDvdR, HdDvdRw, HdDvdRam};
+const std::array<MediaKind, 18> kKinds = {CdRom,
+                                          CdR,
+                                          CdRw,
+                                          DvdRom,
+                                          DvdMinusR,
+                                          DvdMinusRw,
+                                          DvdMinusRDualLayer,
+                                          DvdPlusR,
+                                          DvdPlusRw,
+                                          DvdPlusRDualLayer,
+                                          DvdRam,
+                                          BdRom,
+                                          BdR,
+                                          BdRe,
+                                          HdDvdRom,
+                                          HdDvdR,
+                                          HdDvdRw,
+                                          HdDvdRam};
 
-const std::array<uint16_t, 21> kProfiles = {0x0053, 0x0052, 0x0051, 0x0050, 0x0043, 0x0042,
-                                            0x0041, 0x0040, 0x002B, 0x001B, 0x001A, 0x0016,
-                                            0x0015, 0x0014, 0x0013, 0x0012, 0x0011, 0x0010,
-                                            0x000A, 0x0009, 0x0008};
+const std::array<uint16_t, 21> kProfiles = {0x0053, 0x0052, 0x0051, 0x0050, 0x0043, 0x0042, 0x0041,
+                                            0x0040, 0x002B, 0x001B, 0x001A, 0x0016, 0x0015, 0x0014,
+                                            0x0013, 0x0012, 0x0011, 0x0010, 0x000A, 0x0009, 0x0008};
 
 }  // namespace
 

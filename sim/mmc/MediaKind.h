@@ -40,10 +40,10 @@ struct MediaTraits {
     uint16_t profile;  // the MMC profile of a disc as it comes out of the box
     MediaFamily family;
     Recording recording;
-    bool blankable;                // BLANK applies (CD-RW, DVD-RW, HD DVD-RW)
-    uint32_t capacitySectors;      // 2048-byte sectors of user data
-    uint8_t bookType;              // DVD and HD DVD physical format: book type nibble
-    const char* defaultDiscId;     // media type ID reported in ADIP / disc information
+    bool blankable;                         // BLANK applies (CD-RW, DVD-RW, HD DVD-RW)
+    uint32_t capacitySectors;               // 2048-byte sectors of user data
+    uint8_t bookType;                       // DVD and HD DVD physical format: book type nibble
+    const char* defaultDiscId;              // media type ID reported in ADIP / disc information
     std::span<const uint16_t> writeSpeeds;  // kB/s, fastest first; empty for read-only kinds
     uint16_t readSpeed;                     // kB/s
 };

@@ -16,9 +16,9 @@ std::array<uint8_t, kWriteParametersPageLength> defaultWriteParameters() {
     std::array<uint8_t, kWriteParametersPageLength> page{};
     page[0] = kWriteParametersPage;
     page[1] = kWriteParametersPageLength - 2;
-    page[2] = 0x41;  // BUFE, track at once
-    page[3] = 0x04;  // data track
-    page[4] = 0x08;  // mode 1
+    page[2] = 0x41;           // BUFE, track at once
+    page[3] = 0x04;           // data track
+    page[4] = 0x08;           // mode 1
     putBe16(&page[14], 150);  // audio pause length
     return page;
 }

@@ -70,8 +70,8 @@ Reply getEventStatusNotification(WriterState& state, const Command& command) {
     data[2] = kMediaClassNumber;
     data[3] = kMediaClass;
     data[4] = static_cast<uint8_t>(state.tray.takeEvent());
-    data[5] = static_cast<uint8_t>((tray.open() ? 0x01 : 0) |
-                                   (!tray.open() && tray.disc() ? 0x02 : 0));
+    data[5] =
+        static_cast<uint8_t>((tray.open() ? 0x01 : 0) | (!tray.open() && tray.disc() ? 0x02 : 0));
     return answer(std::move(data), allocation);
 }
 

@@ -45,7 +45,8 @@ Reply formatUnit(WriterState& state, const Command& command) {
 
     uint32_t seconds = 0;
     bool background = false;
-    const Sense formatted = state.tray.disc()->format(formatType, command.nowMs, seconds, background);
+    const Sense formatted =
+        state.tray.disc()->format(formatType, command.nowMs, seconds, background);
     if (!formatted.good()) return failure(formatted);
     state.cache.clear();
     if (background || seconds == 0) return {};
@@ -57,8 +58,8 @@ Reply closeTrackSession(WriterState& state, const Command& command) {
     if (!readiness.good()) return failure(readiness);
     writeToMedium(state, state.cache.takeAllDirty());
     const uint8_t function = command.cdb[2] & 0x07;
-    return failure(state.tray.disc()->close(function, multiSessionRequested(state.mode),
-                                            command.nowMs));
+    return failure(
+        state.tray.disc()->close(function, multiSessionRequested(state.mode), command.nowMs));
 }
 
 Reply sendOpcInformation(WriterState& state, const Command& command) {

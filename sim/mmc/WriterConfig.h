@@ -7,7 +7,7 @@
 namespace sim::mmc {
 
 struct WriterConfig {
-    std::string vendor = "LIBDRIVE";         // INQUIRY, up to 8 characters
+    std::string vendor = "LIBDRIVE";          // INQUIRY, up to 8 characters
     std::string product = "EMULATED WRITER";  // up to 16 characters
     std::string revision = "1.00";            // up to 4 characters
     uint32_t spinUpMilliseconds = 2000;       // from closing the tray to a ready disc

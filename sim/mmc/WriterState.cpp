@@ -28,9 +28,9 @@ Sense mediumReadiness(const WriterState& state, uint64_t nowMs) {
     const Sense tray = state.tray.readiness(nowMs);
     if (!tray.good()) return tray;
     if (state.operation.running(nowMs)) {
-        Sense busy = senseOf(state.operation.kind == OperationKind::Blank
-                                 ? code::kOperationInProgress
-                                 : code::kFormatInProgress);
+        Sense busy =
+            senseOf(state.operation.kind == OperationKind::Blank ? code::kOperationInProgress
+                                                                 : code::kFormatInProgress);
         busy.progress = state.operation.progress(nowMs);
         return busy;
     }

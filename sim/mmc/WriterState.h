@@ -51,16 +51,16 @@ struct WriterState {
 
 // One command as a handler sees it.
 struct Command {
-    std::array<uint8_t, 16> cdb{};       // zero past the command block's length
+    std::array<uint8_t, 16> cdb{};     // zero past the command block's length
     std::span<const uint8_t> dataOut;  // parameter data sent with the command
     uint32_t dataInLength = 0;         // room the initiator gave for data from the device
     uint64_t nowMs = 0;                // the one clock's monotonic time at arrival
 };
 
 struct Reply {
-    Sense sense;                 // good, or the CHECK CONDITION sense
-    std::vector<uint8_t> data;   // data for the initiator, already cut to the allocation length
-    uint64_t busyUntilMs = 0;    // the command ends only at this monotonic time
+    Sense sense;                // good, or the CHECK CONDITION sense
+    std::vector<uint8_t> data;  // data for the initiator, already cut to the allocation length
+    uint64_t busyUntilMs = 0;   // the command ends only at this monotonic time
     uint64_t costMicroseconds = 0;
 };
 

@@ -90,8 +90,9 @@ TEST(WriterCache, AFullCachePushesItsOldestSectorsToTheMedium) {
     const _SCSI_PATH path{};
     for (uint32_t lba = 0; lba < 6; ++lba) {
         const Bytes data(sim::mmc::kSectorBytes, static_cast<uint8_t>(lba + 1));
-        ASSERT_EQ(kivscsi::WriteBlocksEx(path, "\\\\.\\SimCacheSmall", data.data(), 2048, lba, 1,
-                                         300), 0u);
+        ASSERT_EQ(
+            kivscsi::WriteBlocksEx(path, "\\\\.\\SimCacheSmall", data.data(), 2048, lba, 1, 300),
+            0u);
     }
     EXPECT_EQ(writer->snapshot().dirtyCacheSectors, 4u);
     EXPECT_EQ(writer->mediumSector(0), Bytes(2048, 1));

@@ -23,21 +23,57 @@ struct LifecycleRow {
 const LifecycleRow kLifecycles[] = {
     {"written CD-R", MediaKind::CdR, {Step::Write10}, 0, 1, 1, 1, 10},
     {"track closed", MediaKind::CdR, {Step::Write10, Step::CloseTrack}, 0, 1, 1, 1, 10},
-    {"session closed, single session", MediaKind::CdR, {Step::Write10, Step::CloseSession}, 0, 2,
-     3, 1, 10},
-    {"session closed, more allowed", MediaKind::CdR,
-     {Step::MultiSession, Step::Write10, Step::CloseSession}, 0, 1, 0, 2, 10},
-    {"second session written", MediaKind::DvdMinusR,
-     {Step::MultiSession, Step::Write10, Step::CloseSession, Step::Write10}, 0, 1, 1, 2, 20},
+    {"session closed, single session",
+     MediaKind::CdR,
+     {Step::Write10, Step::CloseSession},
+     0,
+     2,
+     3,
+     1,
+     10},
+    {"session closed, more allowed",
+     MediaKind::CdR,
+     {Step::MultiSession, Step::Write10, Step::CloseSession},
+     0,
+     1,
+     0,
+     2,
+     10},
+    {"second session written",
+     MediaKind::DvdMinusR,
+     {Step::MultiSession, Step::Write10, Step::CloseSession, Step::Write10},
+     0,
+     1,
+     1,
+     2,
+     20},
     {"DVD+R finalized", MediaKind::DvdPlusR, {Step::Write10, Step::Finalize}, 0, 2, 3, 1, 10},
-    {"BD-R track closed twice", MediaKind::BdR, {Step::Write10, Step::CloseTrack, Step::CloseTrack},
-     0x2C00, 1, 1, 1, 10},
+    {"BD-R track closed twice",
+     MediaKind::BdR,
+     {Step::Write10, Step::CloseTrack, Step::CloseTrack},
+     0x2C00,
+     1,
+     1,
+     1,
+     10},
     {"close track on a blank disc", MediaKind::CdRw, {Step::CloseTrack}, 0x2C00, 0, 0, 1, 0},
     {"close empty session", MediaKind::DvdPlusR, {Step::CloseSession}, 0x2C00, 0, 0, 1, 0},
-    {"write after finalizing", MediaKind::CdR, {Step::Write10, Step::Finalize, Step::Write10},
-     0x2102, 2, 3, 1, 10},
-    {"formatted DVD+RW stays complete", MediaKind::DvdPlusRw, {Step::Write10, Step::CloseSession},
-     0, 2, 3, 1, 0},
+    {"write after finalizing",
+     MediaKind::CdR,
+     {Step::Write10, Step::Finalize, Step::Write10},
+     0x2102,
+     2,
+     3,
+     1,
+     10},
+    {"formatted DVD+RW stays complete",
+     MediaKind::DvdPlusRw,
+     {Step::Write10, Step::CloseSession},
+     0,
+     2,
+     3,
+     1,
+     0},
 };
 
 TEST_F(WriterTest, WritingAndClosingMoveTheDiscThroughItsStates) {
@@ -82,10 +118,10 @@ TEST_F(WriterTest, SequentialDiscsAcceptWritesOnlyAtTheNextWritableAddress) {
         uint16_t count;
         Status expected;
     } rows[] = {
-        {3, 1, 0x2102},   // behind the next writable address
-        {5, 1, 0x2102},   // a gap after it
-        {4, 97, 0x2100},  // one past the end of the disc
-        {4, 96, 0},       // exactly up to the end
+        {3, 1, 0x2102},    // behind the next writable address
+        {5, 1, 0x2102},    // a gap after it
+        {4, 97, 0x2100},   // one past the end of the disc
+        {4, 96, 0},        // exactly up to the end
         {100, 1, 0x2100},  // the disc is full
     };
     for (const auto& row : rows) {
@@ -101,9 +137,9 @@ TEST_F(WriterTest, ReadsReachOnlyWhatIsRecordedOrFormatted) {
         uint32_t lba;
         Status expected;
     } rows[] = {
-        {MediaKind::CdR, 4, 0},          // last recorded sector
-        {MediaKind::CdR, 5, 0x2100},     // next writable address: nothing there yet
-        {MediaKind::DvdPlusRw, 99, 0},   // formatted: the whole disc
+        {MediaKind::CdR, 4, 0},         // last recorded sector
+        {MediaKind::CdR, 5, 0x2100},    // next writable address: nothing there yet
+        {MediaKind::DvdPlusRw, 99, 0},  // formatted: the whole disc
         {MediaKind::DvdPlusRw, 100, 0x2100},
     };
     for (const auto& row : rows) {

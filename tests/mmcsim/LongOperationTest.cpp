@@ -36,12 +36,8 @@ TEST_F(WriterTest, AnImmediateFormatReportsProgressUntilItEnds) {
         Status unitReady;
         uint16_t progress;
     } rows[] = {
-        {0, 0x0404, 0},
-        {25'000, 0x0404, 0x4000},
-        {50'000, 0x0404, 0x8000},
-        {99'000, 0x0404, 0xFD70},
-        {99'999, 0x0404, 0xFFFF},
-        {100'000, 0, 0},
+        {0, 0x0404, 0},           {25'000, 0x0404, 0x4000}, {50'000, 0x0404, 0x8000},
+        {99'000, 0x0404, 0xFD70}, {99'999, 0x0404, 0xFFFF}, {100'000, 0, 0},
     };
     const uint64_t start = clock.elapsedMilliseconds();
     for (const auto& row : rows) {
@@ -102,18 +98,23 @@ TEST_F(WriterTest, BlankAndFormatAcceptOnlyWhatTheDiscAllows) {
         uint8_t type;
         Status expected;
     } rows[] = {
-        {MediaKind::CdRw, true, 0, 0},      {MediaKind::CdRw, true, 2, 0x2400},
-        {MediaKind::DvdPlusR, true, 1, 0x3005}, {MediaKind::DvdPlusRw, false, 0x26, 0},
-        {MediaKind::DvdPlusRw, false, 0x10, 0x2600}, {MediaKind::CdR, false, 0x00, 0x3006},
-        {MediaKind::DvdRam, false, 0x01, 0},  {MediaKind::BdR, false, 0x32, 0},
+        {MediaKind::CdRw, true, 0, 0},
+        {MediaKind::CdRw, true, 2, 0x2400},
+        {MediaKind::DvdPlusR, true, 1, 0x3005},
+        {MediaKind::DvdPlusRw, false, 0x26, 0},
+        {MediaKind::DvdPlusRw, false, 0x10, 0x2600},
+        {MediaKind::CdR, false, 0x00, 0x3006},
+        {MediaKind::DvdRam, false, 0x01, 0},
+        {MediaKind::BdR, false, 0x32, 0},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(sim::mmc::traitsOf(row.kind).name);
         DiscModel disc = sim::mmc::discOf(row.kind);
         disc.fullBlankSeconds = disc.formatSeconds = 1;
         loadReady(disc);
-        EXPECT_EQ(row.blank ? kivscsi::Blank(path, kDevice, row.type) : format(path, row.type, false),
-                  row.expected);
+        EXPECT_EQ(
+            row.blank ? kivscsi::Blank(path, kDevice, row.type) : format(path, row.type, false),
+            row.expected);
     }
 }
 

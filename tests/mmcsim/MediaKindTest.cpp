@@ -80,14 +80,10 @@ struct IdRow {
 };
 
 const IdRow kIdRows[] = {
-    {MediaKind::DvdPlusR, 0, 0, 0x3002},
-    {MediaKind::DvdPlusRw, 0, 0, 0x3002},
-    {MediaKind::DvdPlusRDualLayer, 0, 0, 0x3002},
-    {MediaKind::DvdMinusR, 0x2400, 0, 0x3002},
-    {MediaKind::DvdMinusRw, 0x2400, 0, 0x3002},
-    {MediaKind::HdDvdR, 0x2400, 0, 0x3002},
-    {MediaKind::BdR, 0x3002, 0x3002, 0},
-    {MediaKind::BdRe, 0x3002, 0x3002, 0},
+    {MediaKind::DvdPlusR, 0, 0, 0x3002},          {MediaKind::DvdPlusRw, 0, 0, 0x3002},
+    {MediaKind::DvdPlusRDualLayer, 0, 0, 0x3002}, {MediaKind::DvdMinusR, 0x2400, 0, 0x3002},
+    {MediaKind::DvdMinusRw, 0x2400, 0, 0x3002},   {MediaKind::HdDvdR, 0x2400, 0, 0x3002},
+    {MediaKind::BdR, 0x3002, 0x3002, 0},          {MediaKind::BdRe, 0x3002, 0x3002, 0},
     {MediaKind::CdR, 0x3002, 0x3002, 0x3002},
 };
 
@@ -101,9 +97,9 @@ TEST_F(WriterTest, IdentificationStructuresCarryTheDiscIdsWhereTheKindHasThem) {
 
         Bytes adip(256, 0), physical(256, 0), bd(260, 0);
         uint32_t adipBytes = 0, physicalBytes = 0, bdBytes = 0;
-        EXPECT_EQ(kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x11, adip.data(), 256, 0,
-                                            &adipBytes),
-                  row.adipStatus);
+        EXPECT_EQ(
+            kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x11, adip.data(), 256, 0, &adipBytes),
+            row.adipStatus);
         EXPECT_EQ(kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x00, physical.data(), 256, 0,
                                             &physicalBytes),
                   row.physicalStatus);
@@ -144,14 +140,16 @@ TEST_F(WriterTest, IdsFillTheirFieldsExactlyAndNeverSpillIntoTheNext) {
         Bytes answer(260, 0);
         uint32_t received = 0;
         if (row.kind == MediaKind::BdR) {
-            ASSERT_EQ(kivscsi::ReadBdStructure(path, kDevice, 0, 0, 0, answer.data(), 260, 0,
-                                               &received), 0u);
+            ASSERT_EQ(
+                kivscsi::ReadBdStructure(path, kDevice, 0, 0, 0, answer.data(), 260, 0, &received),
+                0u);
             EXPECT_EQ(kivscsi::decodeBdManufacturerId(answer.data(), received),
                       row.expectedManufacturer);
             EXPECT_EQ(kivscsi::decodeBdDiscId(answer.data(), received), "XYZ");
         } else {
             ASSERT_EQ(kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x11, answer.data(), 256, 0,
-                                                &received), 0u);
+                                                &received),
+                      0u);
             EXPECT_EQ(kivscsi::decodeDvdManufacturerId(answer.data(), received),
                       row.expectedManufacturer);
             EXPECT_EQ(kivscsi::decodeDvdDiscId(answer.data(), received), "XYZ");
@@ -199,8 +197,9 @@ TEST_F(WriterTest, CopyrightStructureReportsTheProtectionType) {
         loadReady(disc);
         Bytes answer(512, 0xFF);
         uint32_t received = 0;
-        ASSERT_EQ(kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x01, answer.data(), 512, 0,
-                                            &received), 0u);
+        ASSERT_EQ(
+            kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x01, answer.data(), 512, 0, &received),
+            0u);
         EXPECT_EQ(kivscsi::decodeCopyProtectionType(answer.data(), received), protection);
     }
 }

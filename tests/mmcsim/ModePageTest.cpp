@@ -6,8 +6,7 @@ namespace {
 
 Bytes modeSense(const _SCSI_PATH& path, uint8_t page, uint32_t& received) {
     Bytes answer(804, 0);
-    EXPECT_EQ(kivscsi::KIVR_GetSenseData10(path, kDevice, page, answer.data(), 804, &received),
-              0u);
+    EXPECT_EQ(kivscsi::KIVR_GetSenseData10(path, kDevice, page, answer.data(), 804, &received), 0u);
     return answer;
 }
 
@@ -17,10 +16,10 @@ TEST_F(WriterTest, TheWriteSpeedIsTheFastestSupportedNotAboveTheRequest) {
         uint16_t requested;
         uint16_t expected;
     } rows[] = {
-        {MediaKind::CdR, 0xFFFF, 8467},      {MediaKind::CdR, 8467, 8467},
-        {MediaKind::CdR, 8466, 7056},        {MediaKind::CdR, 2822, 2822},
-        {MediaKind::CdR, 100, 2822},         {MediaKind::DvdPlusR, 16620, 16620},
-        {MediaKind::BdR, 0xFFFF, 53940},     {MediaKind::DvdRom, 0xFFFF, 0},
+        {MediaKind::CdR, 0xFFFF, 8467},  {MediaKind::CdR, 8467, 8467},
+        {MediaKind::CdR, 8466, 7056},    {MediaKind::CdR, 2822, 2822},
+        {MediaKind::CdR, 100, 2822},     {MediaKind::DvdPlusR, 16620, 16620},
+        {MediaKind::BdR, 0xFFFF, 53940}, {MediaKind::DvdRom, 0xFFFF, 0},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.requested);
@@ -54,8 +53,8 @@ TEST_F(WriterTest, WriteParametersKeepWhatModeSelectSent) {
         Status expected;
         uint8_t seenByte2, seenByte3;
     } rows[] = {
-        {0x42, 0xC4, 0, 0x42, 0xC4},     // SAO, multi-session
-        {0x04, 0x05, 0, 0x04, 0x05},     // layer jump: the highest write type
+        {0x42, 0xC4, 0, 0x42, 0xC4},       // SAO, multi-session
+        {0x04, 0x05, 0, 0x04, 0x05},       // layer jump: the highest write type
         {0x05, 0x04, 0x2600, 0x04, 0x05},  // write type 5 refused, page unchanged
     };
     for (const auto& row : rows) {

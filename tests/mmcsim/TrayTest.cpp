@@ -24,8 +24,8 @@ TEST_F(WriterTest, ReadinessFollowsTheTrayOverTime) {
         Status expected;
     } rows[] = {
         {"empty drive", [](WriterTest&) {}, 0x3A01},
-        {"disc inserted", [](WriterTest& t) { t.writer->insertDisc(sim::mmc::discOf(MediaKind::CdR)); },
-         0x0401},
+        {"disc inserted",
+         [](WriterTest& t) { t.writer->insertDisc(sim::mmc::discOf(MediaKind::CdR)); }, 0x0401},
         {"1 ms before spun up", [](WriterTest& t) { t.clock.advance(kSpinUpMs - 1); }, 0x0401},
         {"spun up", [](WriterTest& t) { t.clock.advance(1); }, 0},
         {"kept becoming ready", [](WriterTest& t) { t.writer->keepBecomingReadyFor(5000); },

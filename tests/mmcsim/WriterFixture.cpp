@@ -46,8 +46,8 @@ kivscsi::DiscInformation WriterTest::discInformation() {
     Bytes answer(804);
     uint32_t received = 0;
     EXPECT_EQ(kivscsi::ReadDiscInformation(path, kDevice, answer.data(), 804, 0, &received), 0u);
-    return kivscsi::decodeDiscInformation(answer.data(), received).value_or(
-        kivscsi::DiscInformation{});
+    return kivscsi::decodeDiscInformation(answer.data(), received)
+        .value_or(kivscsi::DiscInformation{});
 }
 
 Status WriterTest::write(uint32_t lba, uint16_t count, uint8_t fill) {
