@@ -7,6 +7,7 @@
 #include "libDrive/DestructivePass.h"
 #include "libDrive/InternalParameters.h"
 #include "libDrive/LibDriveStrings.h"
+#include "libDrive/PassReporting.h"
 #include "libDrive/PassRules.h"
 #include "libDrive/PassTiming.h"
 #include "quel5/DiagModule.h"
@@ -25,11 +26,12 @@ constexpr uint32_t kPasses = kFills.size();
 // Per-block durations kept for the time-left estimate.
 constexpr std::size_t kTimedBlocks = 100;
 
-// Where the published event lines of this test lie.
+// Where the published event and log lines of this test lie.
 enum EventLine {
     kRerunLine = 86,
     kZoneTooLowLine = 138,
     kMaxErrorsLine = 204,
+    kTimeLeftLogLine = 234,
     kAllocationLine = 288,
     kRestoreOnStopLine = 321,
     kMismatchLine = 374,
@@ -53,12 +55,8 @@ CCacheTest::CCacheTest(Drive& drive) : DriveTest(drive) {}
 quel5::TestResult CCacheTest::Run() {
     // The trace label is the one every hard-drive test's Run has always used.
     const ScopedTrace trace(logger(), L"CLinearSeekTest::Run", kSource, __LINE__);
-    const quel5::TestResult checked = DriveTest::Run();
-    if (checked != quel5::TestResult::PASS) {
-        return checked;
-    }
-    return RunOfferingRerun(
-        drive, [this] { return DoTesting(); }, kSource, kRerunLine,
+    return RunCheckedPasses(
+        *this, drive, [this] { return DoTesting(); }, kSource, kRerunLine,
         UnqualifiedMediaPrompt::AfterFailure);
 }
 
@@ -96,9 +94,7 @@ quel5::TestResult CCacheTest::DoTesting() {
         for (uint32_t block = 0; block < kBlocksPerPass; ++block) {
             quel5::DiagModule::percentDone(pass * 100 / kPasses +
                                            block * 100 / (kPasses * kBlocksPerPass));
-            LibDriveStrings::g_ReadSector->setVariable(L"ReadSector", quel5::Value(sector));
-            LibDriveStrings::g_ReadSector->setVariable(L"EndSector", quel5::Value(endSector));
-            quel5::DiagModule::progressTimed(128.0, LibDriveStrings::g_ReadSector);
+            quel5::DiagModule::progressTimed(128.0, ReadSectorText(sector, endSector));
 
             const uint32_t sectorBytes = drive.GetBytesPerSector();
             running = CacheTestSector(sector, sectorBytes, pass, errors);
@@ -126,14 +122,8 @@ quel5::TestResult CCacheTest::DoTesting() {
             if (timing.IsReportDue()) {
                 timing.MarkReported();
                 // The block index is added, not subtracted: the estimate has always been made so.
-                const uint32_t secondsLeft =
-                    timing.SecondsLeft((kPasses - 1 - pass) * kBlocksPerPass + block);
-                logger()->log(static_cast<int>(kiv::LogPriority::Detail),
-                              kiv::String(L"234 ") + L" Estimated Time Left " +
-                                  kiv::String::fromNumber(secondsLeft));
-                if (drive.provideEstimatedTime()) {
-                    quel5::DiagModule::estimatedTimeLeft(secondsLeft);
-                }
+                ReportTimeLeft(drive, logger(), kTimeLeftLogLine,
+                               timing.SecondsLeft((kPasses - 1 - pass) * kBlocksPerPass + block));
             }
             sector += kBlockSectors;
             timing.EndStep();

@@ -10,6 +10,7 @@
 #include "kiv/Stream.h"
 #include "libDrive/ClassLog.h"
 #include "libDrive/LibDriveStrings.h"
+#include "libDrive/PassReporting.h"
 #include "libDrive/PassRules.h"
 #include "libDrive/PassTiming.h"
 #include "quel5/DiagModule.h"
@@ -26,10 +27,11 @@ constexpr std::size_t kTimedChunks = 10;
 // The device path begins with "\\.\"; the medium's root is what follows.
 constexpr std::size_t kDevicePathPrefix = 4;
 
-// Where the published event lines of this test lie.
+// Where the published event and log lines of this test lie.
 enum EventLine {
     kNotFoundLine = 144,
     kOpenFailLine = 155,
+    kTimeLeftLogLine = 216,
     kNoDataLine = 243,
     kFallbackHashLine = 258,
     kFileSizeLine = 300,
@@ -173,12 +175,8 @@ quel5::TestResult CChecksumTest::CheckChecksumFile() {
         }
         if (timing.IsReportDue()) {
             timing.MarkReported();
-            const uint32_t secondsLeft = timing.SecondsLeft(size > bytesRead ? size - bytesRead : 0);
-            log(kiv::LogPriority::Detail, kiv::String(L"216 ") + L" Estimated Time Left " +
-                                              kiv::String::fromNumber(secondsLeft));
-            if (drive.provideEstimatedTime()) {
-                quel5::DiagModule::estimatedTimeLeft(secondsLeft);
-            }
+            ReportTimeLeft(drive, logger(), kTimeLeftLogLine,
+                           timing.SecondsLeft(size > bytesRead ? size - bytesRead : 0));
         }
         timing.EndStep();
         if (length < kChunkBytes) {

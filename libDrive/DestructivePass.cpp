@@ -2,10 +2,10 @@
 
 #include <cstring>
 #include <limits>
-#include <new>
 
 #include "libDrive/LibDriveStrings.h"
 #include "libDrive/Parameters.h"
+#include "libDrive/SectorBuffer.h"
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {
@@ -30,10 +30,9 @@ bool AreaBuffers::Allocate(uint64_t bytes) {
     if (bytes == 0 || bytes > std::numeric_limits<uint32_t>::max()) {
         return false;
     }
-    const auto size = static_cast<std::size_t>(bytes);
-    saved_.reset(new (std::nothrow) unsigned char[size]());
-    written_.reset(new (std::nothrow) unsigned char[size]);
-    readBack_.reset(new (std::nothrow) unsigned char[size]);
+    saved_ = AllocateSectorBuffer(bytes);
+    written_ = AllocateSectorBuffer(bytes);
+    readBack_ = AllocateSectorBuffer(bytes);
     bytes_ = static_cast<uint32_t>(bytes);
     return saved_ && written_ && readBack_;
 }

@@ -90,12 +90,13 @@ quel5::TestResult RunOfferingRerun(Drive& drive, const std::function<quel5::Test
 
 quel5::TestResult RunCheckedPasses(DriveTest& test, Drive& drive,
                                    const std::function<quel5::TestResult()>& pass,
-                                   const wchar_t* source, int rerunEventLine) {
+                                   const wchar_t* source, int rerunEventLine,
+                                   UnqualifiedMediaPrompt prompt) {
     const quel5::TestResult checked = test.DriveTest::Run();
     if (checked != quel5::TestResult::PASS) {
         return checked;
     }
-    return RunOfferingRerun(drive, pass, source, rerunEventLine);
+    return RunOfferingRerun(drive, pass, source, rerunEventLine, prompt);
 }
 
 }  // namespace kivrlibdrive

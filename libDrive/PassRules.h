@@ -78,9 +78,10 @@ quel5::TestResult RunOfferingRerun(
     int rerunEventLine, UnqualifiedMediaPrompt prompt = UnqualifiedMediaPrompt::Never);
 
 // A test's whole Run: NODEVICE (from DriveTest::Run) for a drive without a handle, otherwise
-// RunOfferingRerun() without the media prompt.
-quel5::TestResult RunCheckedPasses(DriveTest& test, Drive& drive,
-                                   const std::function<quel5::TestResult()>& pass,
-                                   const wchar_t* source, int rerunEventLine);
+// RunOfferingRerun() (without the media prompt unless `prompt` asks for it).
+quel5::TestResult RunCheckedPasses(
+    DriveTest& test, Drive& drive, const std::function<quel5::TestResult()>& pass,
+    const wchar_t* source, int rerunEventLine,
+    UnqualifiedMediaPrompt prompt = UnqualifiedMediaPrompt::Never);
 
 }  // namespace kivrlibdrive

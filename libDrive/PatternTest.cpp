@@ -9,6 +9,7 @@
 #include "libDrive/InternalParameters.h"
 #include "libDrive/LibDriveStrings.h"
 #include "libDrive/Parameters.h"
+#include "libDrive/PassReporting.h"
 #include "libDrive/PassRules.h"
 #include "libDrive/PassTiming.h"
 #include "quel5/DiagModule.h"
@@ -25,11 +26,12 @@ constexpr std::array<uint32_t, 18> kPatterns = {
     0x02020202, 0x01010101, 0x11111111, 0x22222222, 0x44444444, 0x88888888,
 };
 
-// Where the published event lines of this test lie.
+// Where the published event and log lines of this test lie.
 enum EventLine {
     kRerunLine = 85,
     kEmptyRangeLine = 147,
     kMaxErrorsLine = 222,
+    kTimeLeftLogLine = 252,
     kAllocationLine = 304,
     kRestoreOnStopLine = 343,
     kMismatchLine = 401,
@@ -54,29 +56,17 @@ CPatternTest::CPatternTest(Drive& drive) : DriveTest(drive) {}
 quel5::TestResult CPatternTest::Run() {
     // The trace label is the one every hard-drive test's Run has always used.
     const ScopedTrace trace(logger(), L"CLinearSeekTest::Run", kSource, __LINE__);
-    const quel5::TestResult checked = DriveTest::Run();
-    if (checked != quel5::TestResult::PASS) {
-        return checked;
-    }
-    return RunOfferingRerun(
-        drive, [this] { return DoTesting(); }, kSource, kRerunLine,
+    return RunCheckedPasses(
+        *this, drive, [this] { return DoTesting(); }, kSource, kRerunLine,
         UnqualifiedMediaPrompt::AfterFailure);
 }
 
 quel5::TestResult CPatternTest::DoTesting() {
     const ScopedTrace trace(logger(), L"CPatternTest::DoTesting", kSource, __LINE__);
     TrayHold tray(drive);
-    if (drive.NeedsMediaCheck()) {
-        const quel5::TestResult media = drive.CheckMedia(false);
-        if (media != quel5::TestResult::PASS) {
-            tray.Release();
-            return media;
-        }
-    }
-    const quel5::TestResult initialized = Initialize();
-    if (initialized != quel5::TestResult::PASS) {
-        tray.Release();
-        return initialized;
+    const quel5::TestResult opened = OpenPass(drive, tray, [this] { return Initialize(); });
+    if (opened != quel5::TestResult::PASS) {
+        return opened;
     }
     VolumeHold volumes(drive);
     const quel5::TestResult locked = volumes.Take();
@@ -109,9 +99,7 @@ quel5::TestResult CPatternTest::DoTesting() {
         }
         quel5::DiagModule::percentDone(
             static_cast<unsigned int>((current - startSector) * 100 / rangeSectors));
-        LibDriveStrings::g_ReadSector->setVariable(L"ReadSector", quel5::Value(current));
-        LibDriveStrings::g_ReadSector->setVariable(L"EndSector", quel5::Value(endSector));
-        quel5::DiagModule::progressTimed(1000.0, LibDriveStrings::g_ReadSector);
+        quel5::DiagModule::progressTimed(1000.0, ReadSectorText(current, endSector));
 
         const uint32_t sectorBytes = drive.GetBytesPerSector();
         running = PatternTestSector(current, sectorBytes, errors);
@@ -138,13 +126,8 @@ quel5::TestResult CPatternTest::DoTesting() {
         }
         if (timing.IsReportDue()) {
             timing.MarkReported();
-            const uint32_t secondsLeft = timing.SecondsLeft((endSector - current) / jumpCount);
-            logger()->log(static_cast<int>(kiv::LogPriority::Detail),
-                          kiv::String(L"252 ") + L" Estimated Time Left " +
-                              kiv::String::fromNumber(secondsLeft));
-            if (drive.provideEstimatedTime()) {
-                quel5::DiagModule::estimatedTimeLeft(secondsLeft);
-            }
+            ReportTimeLeft(drive, logger(), kTimeLeftLogLine,
+                           timing.SecondsLeft((endSector - current) / jumpCount));
         }
         current += jumpCount;
         timing.EndStep();
