@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cwchar>
 
-#include "Utf8.h"
+#include "os/Utf8.h"
 #include "kiv/CString.h"
 
 namespace kiv {
@@ -28,25 +28,9 @@ String::String(const wchar_t* text) : text_(text ? text : L"") {}
 
 String::String(std::wstring text) : text_(std::move(text)) {}
 
-String String::fromUtf8(std::string_view utf8) {
-    std::wstring wide;
-    if constexpr (sizeof(wchar_t) == 2) {
-        const std::u16string units = utf8::toUtf16(utf8);
-        wide.assign(units.begin(), units.end());
-    } else {
-        const std::u32string units = utf8::toUtf32(utf8);
-        wide.assign(units.begin(), units.end());
-    }
-    return String(std::move(wide));
-}
+String String::fromUtf8(std::string_view utf8) { return String(os::fromUtf8(std::string(utf8))); }
 
-std::string String::toUtf8() const {
-    if constexpr (sizeof(wchar_t) == 2) {
-        return utf8::fromUtf16(std::u16string(text_.begin(), text_.end()));
-    } else {
-        return utf8::fromUtf32(std::u32string(text_.begin(), text_.end()));
-    }
-}
+std::string String::toUtf8() const { return os::toUtf8(text_); }
 
 CString String::toCString() const { return CString(toUtf8()); }
 
