@@ -1,0 +1,331 @@
+// CRandomSeekTest on a simulated drive under the virtual clock, with the seeds of its engines
+// scripted: which sectors it reads, that the end of the range is among them, how every way out
+// of a pass releases the tray, the error rules counted against seeks, progress and stop.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ReadOnlyTestSupport.h"
+#include "libDrive/RandomSeekTest.h"
+
+namespace {
+
+using drivetests::CallRecordingDrive;
+using drivetests::DirectRange;
+using drivetests::driveOf;
+using drivetests::ScriptedDrive;
+using drivetests::SeedScript;
+using quel5::TestResult;
+
+using Parameters = std::vector<std::pair<const char*, const char*>>;
+
+const std::vector<uint32_t> kSeeds = {7, 19, 2024, 31337, 5, 88, 1234567, 42, 99991, 3};
+
+class RandomSeek : public drivetests::DriveTestFixture {
+protected:
+    void reset(const Parameters& parameters) {
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        clearLog();
+        for (const auto& [key, text] : parameters) set(key, text);
+    }
+    TestResult run(kivrlibdrive::Drive& drive) {
+        kivrlibdrive::CRandomSeekTest test(drive);
+        return test.Run();
+    }
+    TestResult runOn(kivrlibdrive::Drive& drive, const DirectRange& range) {
+        drivetests::WithDirectRange<kivrlibdrive::CRandomSeekTest> test(drive, range);
+        return test.Run();
+    }
+
+    quel5::DiagDevice device{L"sim:random"};
+};
+
+// The sectors `count` seeks read from [start, start + span] with the seeds of kSeeds.
+std::vector<uint64_t> drawnSectors(uint64_t start, uint64_t span, std::size_t count) {
+    std::vector<uint64_t> sectors;
+    for (std::size_t i = 0; i < count; ++i)
+        sectors.push_back(start + SeedScript::OffsetOf(kSeeds[i % kSeeds.size()], span));
+    return sectors;
+}
+
+struct DrawCase {
+    const char* name;
+    uint64_t total;
+    Parameters parameters;
+    uint64_t start;
+    uint64_t end;
+    std::size_t seeks;
+};
+
+TEST_F(RandomSeek, EachSeekReadsOneSectorDrawnByAnEngineOfItsOwn) {
+    // clang-format off
+    const DrawCase cases[] = {
+        {"small range", 1000, {{"StartRange", "100"}, {"EndRange", "110"}, {"NumberOfSeeks", "10"}}, 100, 110, 10},
+        {"seeks capped at the span", 1000, {{"StartRange", "500"}, {"EndRange", "505"}, {"NumberOfSeeks", "10"}}, 500, 505, 5},
+        {"range up to the end of the drive", 64, {{"StartRange", "MAX-4"}, {"NumberOfSeeks", "3"}}, 60, 64, 3},
+        {"more seeks than seeds", 1u << 20, {{"EndRange", "MIN+100000"}, {"NumberOfSeeks", "25"}}, 0, 100000, 25},
+        {"whole drive", 1u << 30, {{"NumberOfSeeks", "4"}}, 0, 1u << 30, 4},
+    };
+    // clang-format on
+    for (const DrawCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        reset(c.parameters);
+        SeedScript seeds(kSeeds);
+        sim::SimulatedDriveConfig config = driveOf(c.total, 4096);
+        config.optimalReadAmount = 64;
+        CallRecordingDrive drive(device, config);
+
+        const TestResult result = run(drive);
+
+        const std::vector<uint64_t> expected = drawnSectors(c.start, c.end - c.start, c.seeks);
+        EXPECT_EQ(drive.readSectors(), expected);
+        const bool anyFailed =
+            std::any_of(drive.operations().begin(), drive.operations().end(),
+                        [](const sim::Operation& o) { return o.result != TestResult::PASS; });
+        EXPECT_EQ(result, anyFailed ? TestResult::FAIL : TestResult::PASS);
+        for (const sim::Operation& operation : drive.operations()) {
+            EXPECT_GE(operation.startSector, c.start);
+            EXPECT_LE(operation.startSector, c.end);
+            EXPECT_EQ(operation.requestedCount, 1u);
+            EXPECT_EQ(operation.sectors, 1u) << "one sector per read, whatever the drive prefers";
+        }
+        EXPECT_EQ(drive.counters().prepareRead, c.seeks);
+        EXPECT_EQ(host.percents(), std::vector<unsigned>{100}) << "no report within a second";
+    }
+}
+
+TEST_F(RandomSeek, TheEndOfTheRangeIsDrawnToo) {
+    // [start, end] with both ends: the end is one past the last tested sector, and with an end
+    // of "MAX" one past the drive, which the drive answers as a failed read.
+    const struct {
+        const char* name;
+        uint64_t total;
+        const char* endRange;
+        TestResult endRead;
+    } cases[] = {
+        {"end inside the drive", 100, "14", TestResult::PASS},
+        {"end of the drive", 14, "MAX", TestResult::FAIL},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        reset({{"StartRange", "10"}, {"EndRange", c.endRange}, {"NumberOfSeeks", "2"}});
+        SeedScript seeds({SeedScript::SeedDrawing(4, 4), SeedScript::SeedDrawing(0, 4)});
+        CallRecordingDrive drive(device, driveOf(c.total));
+
+        EXPECT_EQ(run(drive), c.endRead);
+
+        EXPECT_EQ(drive.readSectors(), (std::vector<uint64_t>{14, 10}));
+        EXPECT_EQ(drive.operations().front().result, c.endRead);
+    }
+}
+
+TEST_F(RandomSeek, UnscriptedDrawsCoverTheWholeClosedRange) {
+    reset({{"StartRange", "50"}, {"EndRange", "54"}, {"NumberOfSeeks", "4"}});
+    CallRecordingDrive drive(device, driveOf(1000));
+    std::set<uint64_t> seen;
+    for (int run = 0; run < 500 && seen.size() < 5; ++run) {
+        drive.clearOperations();
+        EXPECT_EQ(this->run(drive), TestResult::PASS);
+        for (const uint64_t sector : drive.readSectors()) seen.insert(sector);
+    }
+    EXPECT_EQ(seen, (std::set<uint64_t>{50, 51, 52, 53, 54}));
+}
+
+struct ExitCase {
+    const char* name;
+    uint32_t bytesPerSector;
+    Parameters parameters;
+    std::optional<DirectRange> range;
+    std::vector<uint32_t> seeds;
+    std::function<void(ScriptedDrive&)> arrange;
+    TestResult result;
+    unsigned passes;
+    std::vector<std::string> events;  // "KEY@line", from libDrive/RandomSeekTest
+    std::vector<uint64_t> reads;
+};
+
+TEST_F(RandomSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
+    const Parameters fiveSeeks = {{"StartRange", "10"}, {"EndRange", "20"}, {"NumberOfSeeks", "5"}};
+    const auto nothing = [](ScriptedDrive&) {};
+    const uint32_t zero = SeedScript::SeedDrawing(0, 1);
+    const uint32_t one = SeedScript::SeedDrawing(1, 1);
+    const uint32_t at3 = SeedScript::SeedDrawing(3, 10);
+    const uint32_t at5 = SeedScript::SeedDrawing(5, 10);
+    // clang-format off
+    const ExitCase cases[] = {
+        {"no handle", 512, fiveSeeks, {}, {at3},
+         [](ScriptedDrive& d) { d.switches().invalidHandle = true; }, TestResult::NODEVICE, 0, {}, {}},
+        {"media check fails", 512, fiveSeeks, {}, {at3},
+         [](ScriptedDrive& d) {
+             d.switches().needsMediaCheck = true;
+             d.switches().checkMediaResult = TestResult::NOMEDIA;
+         },
+         TestResult::NOMEDIA, 1, {}, {}},
+        {"no number of seeks", 512, {{"SectorPercentToTest", "50"}}, {}, {at3}, nothing, TestResult::BADPARAMS, 1, {}, {}},
+        {"end below start", 512, {}, DirectRange{20, 10, 1, 5}, {at3}, nothing,
+         TestResult::BADPARAMS, 1, {"TOTAL_SECTOR_GREATER_THAN_ZERO@140"}, {}},
+        {"no seeks on a direct range", 512, {}, DirectRange{10, 20, 1, 0}, {at3}, nothing, TestResult::BADPARAMS, 1, {}, {}},
+        {"sector size 0", 0, fiveSeeks, {}, {at3}, nothing,
+         TestResult::INTERNALERROR, 1, {"INVALID_BUFFER_SIZE@185"}, {}},
+        {"start = end draws the start", 512, {}, DirectRange{10, 10, 1, 2}, {zero}, nothing, TestResult::PASS, 1, {}, {10, 10}},
+        {"start = end draws one past it", 512, {}, DirectRange{10, 10, 1, 3}, {zero, one}, nothing,
+         TestResult::INTERNALERROR, 1, {"TOTAL_SECTORS_GREATER_THAN_DIFFERENCE@234"}, {10}},
+        {"read ends the test", 512, fiveSeeks, {}, {at3, at3, at5},
+         [](ScriptedDrive& d) { d.injectFault(15, sim::SectorFault::ReadInternalError); },
+         TestResult::INTERNALERROR, 1, {}, {13, 13, 15}},
+        {"failed twice", 512, fiveSeeks, {}, {at5},
+         [](ScriptedDrive& d) {
+             d.injectFault(15, sim::SectorFault::ReadFails);
+             d.switches().rerunAllowed = true;
+             d.switches().confirmRerun = true;
+         },
+         TestResult::FAIL, 2, {"RERUN_TEST@92"}, std::vector<uint64_t>(10, 15)},
+        {"healed by the re-run", 512, fiveSeeks, {}, {at5},
+         [](ScriptedDrive& d) {
+             d.injectFault(15, sim::SectorFault::ReadFails);
+             d.switches().rerunAllowed = true;
+             d.switches().confirmRerun = true;
+             d.healOnConfirmedRerun = true;
+         },
+         TestResult::PASS, 2, {"RERUN_TEST@92"}, std::vector<uint64_t>(10, 15)},
+    };
+    // clang-format on
+    for (const ExitCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        reset(c.parameters);
+        SeedScript seeds(c.seeds);
+        ScriptedDrive drive(device, driveOf(100, c.bytesPerSector));
+        c.arrange(drive);
+
+        EXPECT_EQ(c.range ? runOn(drive, *c.range) : run(drive), c.result);
+
+        EXPECT_EQ(drive.counters().lockTray, c.passes);
+        EXPECT_EQ(drive.counters().unlockTray, c.passes);
+        std::vector<std::string> events;
+        for (const auto& event : host.events()) {
+            if (event.source == "libDrive/RandomSeekTest")
+                events.push_back(event.key + "@" + std::to_string(event.line));
+        }
+        EXPECT_EQ(events, c.events);
+        EXPECT_EQ(drive.readSectors(), c.reads);
+        const bool drawOutOfRange = std::count(c.events.begin(), c.events.end(),
+                                               "TOTAL_SECTORS_GREATER_THAN_DIFFERENCE@234") == 1;
+        EXPECT_EQ(wasLogged("libDrive.RandomSeekTest", 4,
+                            "233 Error in random number calculation. Generated a out of range "
+                            "random number."),
+                  drawOutOfRange);
+    }
+}
+
+struct ErrorCase {
+    const char* name;
+    Parameters limits;
+    std::vector<uint64_t> failing;
+    TestResult result;
+    std::size_t reads;
+    std::vector<std::string> events;
+    const char* percent;  // "percent" of TEST_PASSED_WITH_ERRORS, when raised
+};
+
+TEST_F(RandomSeek, ErrorsAreCountedAgainstTheNumberOfSeeks) {
+    // Ten seeks over [0, 1000]: the seeds of kSeeds decide which sectors they read.
+    const std::vector<uint64_t> sectors = drawnSectors(0, 1000, 10);
+    const std::vector<uint64_t> all(sectors.begin(), sectors.end());
+    const std::vector<uint64_t> firstTwo = {sectors[0], sectors[1]};
+    // clang-format off
+    const ErrorCase cases[] = {
+        {"no minimum: one error fails", {{"MaxErrors", "10"}}, {sectors[4]}, TestResult::FAIL, 10, {}, nullptr},
+        {"stop at MaxErrors", {{"MaxErrors", "3"}}, all, TestResult::FAIL, 3, {"MAX_ERRORS_EXCEEDED"}, nullptr},
+        {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, all, TestResult::FAIL, 10, {}, nullptr},
+        {"under the threshold", {{"MaxErrors", "10"}, {"MinErrorPercentage", "25"}}, firstTwo, TestResult::PASS, 10, {"TEST_PASSED_WITH_ERRORS"}, "20.00"},
+        {"stop once above the threshold", {{"MaxErrors", "2"}, {"MinErrorPercentage", "15"}}, all, TestResult::FAIL, 2, {"TEST_FAILED_THRESHOLD"}, nullptr},
+    };
+    // clang-format on
+    for (const ErrorCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        reset({{"EndRange", "1000"}, {"NumberOfSeeks", "10"}});
+        for (const auto& [key, text] : c.limits) set(key, text);
+        SeedScript seeds(kSeeds);
+        CallRecordingDrive drive(device, driveOf(5000));
+        for (const uint64_t sector : c.failing)
+            drive.injectFault(sector, sim::SectorFault::ReadFails);
+
+        EXPECT_EQ(run(drive), c.result);
+
+        EXPECT_EQ(drive.operations().size(), c.reads);
+        EXPECT_EQ(host.eventKeys(), c.events);
+        if (c.percent != nullptr) {
+            const auto warning = host.eventsWithKey("TEST_PASSED_WITH_ERRORS").at(0);
+            EXPECT_EQ(warning.get(L"percent").toString().toUtf8(), c.percent);
+        }
+    }
+}
+
+TEST_F(RandomSeek, ReportsTimedProgressAboutOnceASecond) {
+    reset({{"EndRange", "4000"}, {"NumberOfSeeks", "3000"}});
+    SeedScript seeds(kSeeds);
+    // 10 ms a read: a report falls due after every 101 seeks. Sector 4000 may be drawn.
+    CallRecordingDrive drive(device, driveOf(4001, 512, 10));
+    drive.switches().provideEstimatedTime = true;
+
+    EXPECT_EQ(run(drive), TestResult::PASS);
+
+    const std::vector<uint64_t> sectors = drive.readSectors();
+    const auto progress = host.progressReports();
+    ASSERT_EQ(progress.size(), 29u);
+    for (std::size_t i = 0; i < progress.size(); ++i) {
+        const std::size_t seek = 101 * (i + 1);
+        EXPECT_EQ(progress[i].key, "READ_SECTOR");
+        EXPECT_EQ(progress[i].intervalMs, 1000.0);
+        EXPECT_EQ(progress[i].get(L"ReadSector"), quel5::Value(sectors[seek]));
+        EXPECT_EQ(progress[i].get(L"EndSector"), quel5::Value(4000u));
+    }
+    const std::vector<unsigned> percents = host.percents();
+    ASSERT_EQ(percents.size(), 30u);
+    EXPECT_EQ(percents[0], 3u) << "101 of 3000 seeks";
+    EXPECT_EQ(percents[28], 97u) << "2929 of 3000 seeks";
+    EXPECT_EQ(percents[29], 100u);
+    const std::vector<unsigned> left = host.timesLeft();
+    ASSERT_EQ(left.size(), 29u);
+    EXPECT_EQ(left[0], 2u) << "1010 ms over a ring of 1000, 2899 seeks to go";
+    EXPECT_EQ(left[9], 19u) << "ring full: 10000 ms, 1990 seeks to go";
+    EXPECT_TRUE(wasLogged("libDrive.RandomSeekTest", 1, "288  Estimated Time Left 19"));
+    EXPECT_EQ(host.stopPolls(), 29u);
+}
+
+TEST_F(RandomSeek, StopRequestsAreSeenAtReports) {
+    const struct {
+        const char* name;
+        unsigned pollsBeforeStop;
+        bool failing;
+        TestResult result;
+        std::size_t reads;
+    } cases[] = {
+        {"first report", 0, false, TestResult::USERABORTED, 102},
+        {"third report", 2, false, TestResult::USERABORTED, 304},
+        {"with an error and no minimum", 0, true, TestResult::FAIL, 102},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        reset({{"EndRange", "4000"}, {"NumberOfSeeks", "3000"}, {"MaxErrors", "0"}});
+        host.stopAfterPolls(c.pollsBeforeStop);
+        SeedScript seeds(kSeeds);
+        CallRecordingDrive drive(device, driveOf(4001, 512, 10));
+        if (c.failing) drive.injectFault(drawnSectors(0, 4000, 1)[0], sim::SectorFault::ReadFails);
+
+        EXPECT_EQ(run(drive), c.result);
+
+        EXPECT_EQ(drive.operations().size(), c.reads);
+        EXPECT_EQ(host.stopPolls(), c.pollsBeforeStop + 1);
+        EXPECT_EQ(host.lastPercent(), std::optional<unsigned>(100));
+        EXPECT_EQ(drive.counters().unlockTray, 1u);
+    }
+}
+
+}  // namespace

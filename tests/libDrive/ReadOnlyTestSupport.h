@@ -1,0 +1,95 @@
+// What the tests of the random seek, funnel seek, surface scan and read/compare tests share on
+// top of DriveTestSupport.h: a test whose range is set directly (to reach the guards that the
+// range parameters never produce), a drive whose reads can answer scripted results or stall the
+// clock, and a script of seeds for the random seek test.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "DriveTestSupport.h"
+#include "os/Clock.h"
+#include "quel5/TestResult.h"
+
+namespace drivetests {
+
+// A range a test uses as Initialize() would have left it.
+struct DirectRange {
+    uint64_t start = 0;
+    uint64_t end = 0;
+    uint64_t jump = 1;
+    uint64_t seeks = 0;
+    double percent = 100.0;
+};
+
+// `Test` with Initialize() replaced: the drive's geometry is still read, the range is `range`.
+template <typename Test>
+class WithDirectRange : public Test {
+public:
+    WithDirectRange(kivrlibdrive::Drive& drive, DirectRange range) : Test(drive), range_(range) {}
+
+protected:
+    quel5::TestResult Initialize() override {
+        this->totalSectors = this->drive.GetTotalSectors();
+        this->bytesPerSector = this->drive.GetBytesPerSector();
+        this->startSector = range_.start;
+        this->endSector = range_.end;
+        this->jumpCount = range_.jump;
+        this->numberOfSeeks = range_.seeks;
+        this->sectorPercentToTest = range_.percent;
+        return quel5::TestResult::PASS;
+    }
+
+private:
+    DirectRange range_;
+};
+
+// A call-recording drive whose reads can answer chosen results: the n-th read (from 1) of a
+// sector answers `scripted[{sector, n}]` without touching the buffer. A read of `stallSector`
+// first lets more than 2^32 ms pass on the clock.
+class ScriptedDrive : public CallRecordingDrive {
+public:
+    using CallRecordingDrive::CallRecordingDrive;
+
+    std::map<std::pair<uint64_t, unsigned>, quel5::TestResult> scripted;
+    std::optional<uint64_t> stallSector;
+
+    quel5::TestResult ReadSectors(const uint64_t& startSector, unsigned int count, void* buffer,
+                                  unsigned int bufferSize) override {
+        const unsigned nth = ++readsOf_[startSector];
+        if (stallSector == startSector) {
+            os::sleepMilliseconds(0xFFFFFFFFu);
+            os::sleepMilliseconds(2);
+        }
+        const auto answer = scripted.find({startSector, nth});
+        if (answer != scripted.end()) {
+            calls.push_back("read " + std::to_string(startSector));
+            return answer->second;
+        }
+        return CallRecordingDrive::ReadSectors(startSector, count, buffer, bufferSize);
+    }
+
+private:
+    std::map<uint64_t, unsigned> readsOf_;
+};
+
+// The seeds the random seek test's engines get, in order; installed for the life of the object.
+// After the last seed the script starts again from the first.
+class SeedScript {
+public:
+    explicit SeedScript(std::vector<uint32_t> seeds);
+    ~SeedScript();
+    SeedScript(const SeedScript&) = delete;
+    SeedScript& operator=(const SeedScript&) = delete;
+
+    // The offset the test draws from [0, span] with an engine seeded with `seed`.
+    static uint64_t OffsetOf(uint32_t seed, uint64_t span);
+    // A seed whose engine draws `offset` from [0, span]. REQUIRES: a small span.
+    static uint32_t SeedDrawing(uint64_t offset, uint64_t span);
+};
+
+}  // namespace drivetests

@@ -1,0 +1,328 @@
+// CSurfaceScanTest on a simulated drive under the virtual clock: the blocks it reads for read
+// amounts, percentages and seek counts (the shortened last block, strides that never stall),
+// how every way out of a pass releases the tray, errors against planned blocks, progress and
+// stop. Also the stride rule on its own.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ReadOnlyTestSupport.h"
+#include "libDrive/SurfaceScanStride.h"
+#include "libDrive/SurfaceScanTest.h"
+
+namespace {
+
+using drivetests::CallRecordingDrive;
+using drivetests::DirectRange;
+using drivetests::driveOf;
+using drivetests::ScriptedDrive;
+using quel5::TestResult;
+
+using Parameters = std::vector<std::pair<const char*, const char*>>;
+
+TEST(SurfaceScanStride, NeverBelowOneSector) {
+    const uint64_t most = std::numeric_limits<uint64_t>::max();
+    const struct {
+        uint32_t readAmount;
+        double percent;
+        uint64_t stride;
+    } percentCases[] = {
+        {8, 100.0, 8},   {8, 10.0, 80},
+        {63, 33.3, 189}, {8, 0.0, 8},
+        {8, -1.0, 8},    {1, 1e-7, 1000000000},
+        {8, 200.0, 4},   {1, 101.0, 1},
+        {0, 0.0, 1},     {0xFFFFFFFFu, 1e-300, most},
+    };
+    for (const auto& c : percentCases) {
+        SCOPED_TRACE(testing::Message() << c.readAmount << " at " << c.percent << "%");
+        EXPECT_EQ(kivrlibdrive::StrideForPercent(c.readAmount, c.percent), c.stride);
+    }
+    const struct {
+        uint64_t range;
+        uint32_t seeks;
+        uint64_t stride;
+    } seekCases[] = {
+        {1000, 10, 100},
+        {1000, 3, 333},
+        {10, 100, 1},
+        {10, 10, 1},
+        {1ull << 32, 1, 1},
+        {(1ull << 33) + 6, 2, 3},
+        {(1ull << 32) + 7, 1, 7},
+    };
+    for (const auto& c : seekCases) {
+        SCOPED_TRACE(testing::Message() << c.range << " / " << c.seeks);
+        EXPECT_EQ(kivrlibdrive::StrideForSeeks(c.range, c.seeks), c.stride);
+    }
+}
+
+class SurfaceScan : public drivetests::DriveTestFixture {
+protected:
+    void reset(const Parameters& parameters) {
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        clearLog();
+        for (const auto& [key, text] : parameters) set(key, text);
+    }
+    TestResult run(kivrlibdrive::Drive& drive) {
+        kivrlibdrive::CSurfaceScanTest test(drive);
+        return test.Run();
+    }
+
+    quel5::DiagDevice device{L"sim:scan"};
+};
+
+sim::SimulatedDriveConfig scanDrive(uint64_t total, uint32_t optimalReadAmount,
+                                    uint32_t readMs = 0) {
+    sim::SimulatedDriveConfig config = driveOf(total, 512, readMs);
+    config.sectorsPerTrack = 63;
+    config.optimalReadAmount = optimalReadAmount;
+    return config;
+}
+
+// Blocks of `sectors` every `stride` from `start`, the last cut at `end`.
+std::vector<std::pair<uint64_t, uint32_t>> blocks(uint64_t start, uint64_t end, uint64_t stride,
+                                                  uint32_t sectors) {
+    std::vector<std::pair<uint64_t, uint32_t>> found;
+    for (uint64_t at = start; at < end; at += stride) {
+        found.emplace_back(at, static_cast<uint32_t>(std::min<uint64_t>(sectors, end - at)));
+    }
+    return found;
+}
+
+struct BlockCase {
+    const char* name;
+    uint32_t optimalReadAmount;
+    Parameters parameters;
+    std::vector<std::pair<uint64_t, uint32_t>> blocks;  // first sector, sectors read
+    bool tooHighLogged;
+};
+
+TEST_F(SurfaceScan, ReadsBlocksAStrideApartUpToTheEnd) {
+    // clang-format off
+    const BlockCase cases[] = {
+        {"track-sized blocks, last one short", 0, {{"EndRange", "200"}, {"SectorPercentToTest", "100"}},
+         {{0, 63}, {63, 63}, {126, 63}, {189, 11}}, false},
+        {"optimal read amount", 16, {{"StartRange", "100"}, {"EndRange", "164"}, {"SectorPercentToTest", "100"}},
+         blocks(100, 164, 16, 16), false},
+        {"ten percent", 8, {{"EndRange", "400"}, {"SectorPercentToTest", "10"}}, blocks(0, 400, 80, 8), false},
+        {"a quarter, last block short", 8, {{"EndRange", "100"}, {"SectorPercentToTest", "25"}},
+         {{0, 8}, {32, 8}, {64, 8}, {96, 4}}, false},
+        {"stride longer than the range", 63, {{"EndRange", "100"}, {"SectorPercentToTest", "10"}}, {{0, 63}}, false},
+        {"NumberOfSeeks 0 is ignored", 16, {{"EndRange", "64"}, {"SectorPercentToTest", "100"}, {"NumberOfSeeks", "0"}},
+         blocks(0, 64, 16, 16), false},
+        {"few seeks read contiguously", 16, {{"EndRange", "1000"}, {"NumberOfSeeks", "10"}}, blocks(0, 1000, 16, 16), true},
+        {"many seeks overlap", 16, {{"EndRange", "100"}, {"NumberOfSeeks", "20"}}, blocks(0, 100, 5, 16), false},
+        {"more seeks than sectors", 16, {{"EndRange", "10"}, {"NumberOfSeeks", "100"}}, blocks(0, 10, 1, 16), false},
+        {"up to the end of the drive", 16, {{"StartRange", "MAX-40"}, {"SectorPercentToTest", "100"}},
+         blocks(4960, 5000, 16, 16), false},
+    };
+    // clang-format on
+    for (const BlockCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        reset(c.parameters);
+        CallRecordingDrive drive(device, scanDrive(5000, c.optimalReadAmount));
+
+        EXPECT_EQ(run(drive), TestResult::PASS);
+
+        std::vector<std::pair<uint64_t, uint32_t>> read;
+        for (const sim::Operation& operation : drive.operations()) {
+            read.emplace_back(operation.startSector, operation.sectors);
+            EXPECT_EQ(operation.requestedCount, operation.sectors) << "buffer and count agree";
+        }
+        EXPECT_EQ(read, c.blocks);
+        EXPECT_EQ(drive.counters().prepareRead, c.blocks.size());
+        EXPECT_EQ(wasLogged("libDrive.SurfaceScanTest", 1,
+                            "161 NumberOfSeeks set too high; adjusting range to prevent coverage "
+                            "overlaps"),
+                  c.tooHighLogged);
+        EXPECT_EQ(host.percents(), std::vector<unsigned>{100});
+        EXPECT_EQ(host.stopPolls(), 0u);
+    }
+}
+
+TEST_F(SurfaceScan, AQuotientWithoutLowBitsStillMovesOn) {
+    // 2^32 sectors in one seek: the per-seek stride keeps 0 of its bits and becomes 1 sector.
+    // Each read takes just over a second, so the second block is followed by the stop.
+    reset({{"EndRange", "4294967296"}, {"NumberOfSeeks", "1"}});
+    host.stopAfterPolls(0);
+    CallRecordingDrive drive(device, scanDrive(1ull << 33, 16, 1001));
+
+    EXPECT_EQ(run(drive), TestResult::USERABORTED);
+
+    EXPECT_EQ(drive.readSectors(), (std::vector<uint64_t>{0, 1}));
+    EXPECT_TRUE(wasLogged("libDrive.SurfaceScanTest", 1,
+                          "131 Will test 4294967296 sectors in the range 0 to 4294967296"));
+}
+
+struct ExitCase {
+    const char* name;
+    std::function<void(sim::SimulatedDriveConfig&)> configure;
+    std::optional<DirectRange> range;
+    std::function<void(ScriptedDrive&)> arrange;
+    TestResult result;
+    unsigned passes;
+    std::vector<std::string> events;  // "KEY@line", from libDrive/SurfaceScanTest
+    std::vector<uint64_t> reads;
+    std::vector<std::string> problems;  // log lines at priority 4
+};
+
+TEST_F(SurfaceScan, EveryWayOutOfAPassUnlocksTheTrayOnce) {
+    const auto plain = [](sim::SimulatedDriveConfig&) {};
+    const auto nothing = [](ScriptedDrive&) {};
+    // clang-format off
+    const ExitCase cases[] = {
+        {"no handle", plain, {}, [](ScriptedDrive& d) { d.switches().invalidHandle = true; },
+         TestResult::NODEVICE, 0, {}, {}, {}},
+        {"media check fails", plain, {},
+         [](ScriptedDrive& d) {
+             d.switches().needsMediaCheck = true;
+             d.switches().checkMediaResult = TestResult::NOMEDIA;
+         },
+         TestResult::NOMEDIA, 1, {}, {}, {}},
+        {"empty range", plain, DirectRange{30, 30}, nothing,
+         TestResult::BADPARAMS, 1, {"TOTAL_SECTOR_GREATER_THAN_ZERO@136"}, {}, {}},
+        {"no sectors per track", [](sim::SimulatedDriveConfig& c) { c.sectorsPerTrack = 0; }, {}, nothing,
+         TestResult::INTERNALERROR, 1, {"SECTORS_PER_TRACK_GREATER_THAN_ZERO@145"}, {}, {}},
+        {"sector size 0", [](sim::SimulatedDriveConfig& c) { c.bytesPerSector = 0; }, {}, nothing,
+         TestResult::INTERNALERROR, 1, {"INVALID_BUFFER_SIZE@178"}, {}, {}},
+        {"block larger than a drive call can take", [](sim::SimulatedDriveConfig& c) { c.optimalReadAmount = 1u << 23; }, {}, nothing,
+         TestResult::INTERNALERROR, 1, {"MSG_ERROR_ALLOCATING_MEMORY@188"}, {}, {}},
+        {"read ends the test", plain, {},
+         [](ScriptedDrive& d) { d.injectFault(40, sim::SectorFault::ReadInternalError); },
+         TestResult::INTERNALERROR, 1, {}, {0, 16, 32}, {"222 Problem when testing sector 32 to 48"}},
+        {"failed twice", plain, {},
+         [](ScriptedDrive& d) {
+             d.injectFault(70, sim::SectorFault::ReadFails);
+             d.switches().rerunAllowed = true;
+             d.switches().confirmRerun = true;
+         },
+         TestResult::FAIL, 2, {"RERUN_TEST@82"}, {},
+         {"222 Problem when testing sector 64 to 80", "222 Problem when testing sector 64 to 80"}},
+    };
+    // clang-format on
+    for (const ExitCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        reset({{"EndRange", "100"}, {"SectorPercentToTest", "100"}});
+        sim::SimulatedDriveConfig config = scanDrive(1000, 16);
+        c.configure(config);
+        ScriptedDrive drive(device, config);
+        c.arrange(drive);
+
+        if (c.range) {
+            drivetests::WithDirectRange<kivrlibdrive::CSurfaceScanTest> test(drive, *c.range);
+            EXPECT_EQ(test.Run(), c.result);
+        } else {
+            EXPECT_EQ(run(drive), c.result);
+        }
+
+        EXPECT_EQ(drive.counters().lockTray, c.passes);
+        EXPECT_EQ(drive.counters().unlockTray, c.passes);
+        std::vector<std::string> events;
+        for (const auto& event : host.events()) {
+            if (event.source == "libDrive/SurfaceScanTest")
+                events.push_back(event.key + "@" + std::to_string(event.line));
+        }
+        EXPECT_EQ(events, c.events);
+        if (!c.reads.empty()) {
+            EXPECT_EQ(drive.readSectors(), c.reads);
+        }
+        if (c.result == TestResult::INTERNALERROR) {
+            EXPECT_NE(host.lastPercent(), std::optional<unsigned>(100));
+        }
+        EXPECT_EQ(logged("libDrive.SurfaceScanTest", 4), c.problems);
+    }
+}
+
+struct ErrorCase {
+    const char* name;
+    Parameters parameters;
+    std::vector<uint64_t> failing;
+    TestResult result;
+    std::size_t reads;
+    std::vector<std::string> events;
+    const char* percent;  // "percent" of TEST_PASSED_WITH_ERRORS, when raised
+};
+
+TEST_F(SurfaceScan, EachFailedBlockIsOneErrorAgainstThePlannedBlocks) {
+    // Blocks of 10 sectors over [0, 100): ten blocks.
+    // clang-format off
+    const ErrorCase cases[] = {
+        {"no minimum: one error fails", {{"MaxErrors", "10"}}, {55}, TestResult::FAIL, 10, {}, nullptr},
+        {"two bad sectors in one block", {{"MaxErrors", "10"}, {"MinErrorPercentage", "15"}}, {51, 59}, TestResult::PASS, 10, {"TEST_PASSED_WITH_ERRORS"}, "10.00"},
+        {"stop at MaxErrors", {{"MaxErrors", "2"}}, {5, 15, 25}, TestResult::FAIL, 2, {"MAX_ERRORS_EXCEEDED"}, nullptr},
+        {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, {5, 15, 25, 35}, TestResult::FAIL, 10, {}, nullptr},
+        {"stop once above the threshold", {{"MaxErrors", "2"}, {"MinErrorPercentage", "15"}}, {5, 15, 25}, TestResult::FAIL, 2, {"TEST_FAILED_THRESHOLD"}, nullptr},
+        {"no block planned in full", {{"SectorPercentToTest", "5"}, {"MaxErrors", "0"}, {"MinErrorPercentage", "50"}}, {0}, TestResult::PASS, 1, {"TEST_PASSED_WITH_ERRORS"}, "100.00"},
+    };
+    // clang-format on
+    for (const ErrorCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        reset({{"EndRange", "100"}, {"SectorPercentToTest", "100"}});
+        for (const auto& [key, text] : c.parameters) set(key, text);
+        CallRecordingDrive drive(device, scanDrive(1000, 10));
+        for (const uint64_t sector : c.failing)
+            drive.injectFault(sector, sim::SectorFault::ReadFails);
+
+        EXPECT_EQ(run(drive), c.result);
+
+        EXPECT_EQ(drive.operations().size(), c.reads);
+        EXPECT_EQ(host.eventKeys(), c.events);
+        if (c.percent != nullptr) {
+            const auto warning = host.eventsWithKey("TEST_PASSED_WITH_ERRORS").at(0);
+            EXPECT_EQ(warning.get(L"percent").toString().toUtf8(), c.percent);
+        }
+    }
+}
+
+TEST_F(SurfaceScan, ReportsAboutOnceASecondAndPollsStopOnlyThen) {
+    const struct {
+        const char* name;
+        std::optional<unsigned> pollsBeforeStop;
+        TestResult result;
+        std::size_t blocks;
+    } cases[] = {
+        {"to the end", std::nullopt, TestResult::PASS, 3000},
+        {"stopped at the first report", 0u, TestResult::USERABORTED, 102},
+        {"stopped at the tenth report", 9u, TestResult::USERABORTED, 1011},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        reset({{"StartRange", "1000"}, {"EndRange", "7000"}, {"SectorPercentToTest", "50"}});
+        if (c.pollsBeforeStop) host.stopAfterPolls(*c.pollsBeforeStop);
+        // Blocks of one sector every second sector, 10 ms each: a report every 101 blocks.
+        CallRecordingDrive drive(device, scanDrive(8000, 1, 10));
+        drive.switches().provideEstimatedTime = true;
+
+        EXPECT_EQ(run(drive), c.result);
+
+        EXPECT_EQ(drive.operations().size(), c.blocks);
+        const auto progress = host.progressReports();
+        const std::size_t reports = c.pollsBeforeStop ? *c.pollsBeforeStop + 1 : 29;
+        ASSERT_EQ(progress.size(), reports);
+        EXPECT_EQ(host.stopPolls(), reports);
+        for (std::size_t i = 0; i < progress.size(); ++i) {
+            EXPECT_EQ(progress[i].key, "READ_SECTOR");
+            EXPECT_EQ(progress[i].intervalMs, 0.0);
+            EXPECT_EQ(progress[i].get(L"ReadSector"), quel5::Value(1000 + 2 * 101 * (i + 1)));
+            EXPECT_EQ(progress[i].get(L"EndSector"), quel5::Value(7000u));
+        }
+        const std::vector<unsigned> percents = host.percents();
+        EXPECT_EQ(percents.front(), 3u) << "block 101 of 3000";
+        EXPECT_EQ(percents.back(), 100u);
+        const std::vector<unsigned> left = host.timesLeft();
+        EXPECT_EQ(left.front(), 2u) << "1010 ms over a ring of 1000, 2899 blocks to go";
+        if (left.size() >= 10) {
+            EXPECT_EQ(left[9], 19u) << "ring full: 10000 ms, 1990 blocks to go";
+            EXPECT_TRUE(wasLogged("libDrive.SurfaceScanTest", 1, "263  Estimated Time Left 19"));
+        }
+    }
+}
+
+}  // namespace
