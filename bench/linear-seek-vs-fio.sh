@@ -5,13 +5,14 @@
 #
 # Usage: bench/linear-seek-vs-fio.sh [BUILD_DIR] [READS]
 #   BUILD_DIR  a build with drivediag in bin/ (default: build-bench beside this folder)
-#   READS      reads per run, a power of two up to 2097152 (default 65536)
+#   READS      reads per run, a power of two up to 2097152 (default 4096; a read of the
+#              loop device costs milliseconds here, so 4096 reads take seconds)
 # Needs root for losetup; installs fio with apt-get when it is missing.
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
 build=${1:-$here/../build-bench}
-reads=${2:-65536}
+reads=${2:-4096}
 drivediag=$build/bin/drivediag
 sector=512
 image_bytes=$((1024 * 1024 * 1024))
@@ -40,6 +41,7 @@ cleanup() {
     rm -rf "$work"
 }
 trap cleanup EXIT
+trap 'exit 130' INT TERM
 
 # Written zeros, not a sparse file: every read must reach the disk.
 dd if=/dev/zero of="$work/disk.img" bs=1M count=$((image_bytes / 1048576)) conv=fsync status=none
@@ -56,9 +58,12 @@ run_drivediag() {
 }
 
 run_fio() {
-    # rw=read:N adds N bytes after each I/O: one sector read, then jump to the next stride.
+    # rw=read:N adds N bytes after each I/O: one sector read, then on to the next stride.
+    # number_ios stops it after one sweep; fio would otherwise wrap around until it has
+    # transferred the whole size.
     fio --name=linear-seek --filename="$loop" --direct=1 --ioengine=psync --bs=$sector \
-        --rw=read:$((stride - sector)) --size=$image_bytes --output-format=json \
+        --rw=read:$((stride - sector)) --size=$image_bytes --number_ios="$reads" \
+        --output-format=json \
         > "$work/fio.json"
 }
 
