@@ -28,6 +28,7 @@ protected:
     void reset(const Parameters& parameters) {
         quel5::Registry::instance().clearAllParameters();
         host.clear();
+        host.neverStop();
         clearLog();
         for (const auto& [key, text] : parameters) set(key, text);
     }

@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -49,19 +48,19 @@ private:
 };
 
 // A call-recording drive whose reads can answer chosen results: the n-th read (from 1) of a
-// sector answers `scripted[{sector, n}]` without touching the buffer. A read of `stallSector`
-// first lets more than 2^32 ms pass on the clock.
+// sector answers `scripted[{sector, n}]` without touching the buffer. With `stallEveryRead` each
+// read first lets more than 2^32 ms pass on the clock.
 class ScriptedDrive : public CallRecordingDrive {
 public:
     using CallRecordingDrive::CallRecordingDrive;
 
     std::map<std::pair<uint64_t, unsigned>, quel5::TestResult> scripted;
-    std::optional<uint64_t> stallSector;
+    bool stallEveryRead = false;
 
     quel5::TestResult ReadSectors(const uint64_t& startSector, unsigned int count, void* buffer,
                                   unsigned int bufferSize) override {
         const unsigned nth = ++readsOf_[startSector];
-        if (stallSector == startSector) {
+        if (stallEveryRead) {
             os::sleepMilliseconds(0xFFFFFFFFu);
             os::sleepMilliseconds(2);
         }

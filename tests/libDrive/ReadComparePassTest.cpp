@@ -1,0 +1,378 @@
+// CLinearReadCompareTest on a simulated drive under the virtual clock: two reads of every
+// visited sector, compare errors, the counting of failed and internal-error reads with their two
+// early exits, progress on every step, the estimate once a second, stop, and the working result
+// that carries over from one pass to the next.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ReadOnlyTestSupport.h"
+#include "libDrive/LinearReadCompareTest.h"
+
+namespace {
+
+using drivetests::CallRecordingDrive;
+using drivetests::DirectRange;
+using drivetests::driveOf;
+using drivetests::ScriptedDrive;
+using drivetests::stepsFrom;
+using quel5::TestResult;
+
+using Parameters = std::vector<std::pair<const char*, const char*>>;
+
+// What a pass that counted no error returns: the working result an earlier pass left. Every
+// test below first leaves this one, by a pass stopped at its first poll.
+constexpr TestResult kCarried = TestResult::USERABORTED;
+
+class ReadCompare : public drivetests::DriveTestFixture {
+protected:
+    void reset(const Parameters& parameters) {
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        host.neverStop();
+        clearLog();
+        for (const auto& [key, text] : parameters) set(key, text);
+    }
+    TestResult run(kivrlibdrive::Drive& drive) {
+        kivrlibdrive::CLinearReadCompareTest test(drive);
+        return test.Run();
+    }
+    // Runs a stopped pass so that the next one starts from kCarried, and forgets what it
+    // reported.
+    void leaveCarriedResult() {
+        reset({{"EndRange", "2"}, {"NumberOfSeeks", "2"}});
+        host.stopAfterPolls(0);
+        CallRecordingDrive drive(device, driveOf(10));
+        ASSERT_EQ(run(drive), kCarried);
+        host.neverStop();
+        host.clear();
+    }
+    // Calls of one step that reads `sector` twice.
+    static std::vector<std::string> twice(uint64_t sector) {
+        const std::string read = "read " + std::to_string(sector);
+        return {"prepare", read, "prepare", read};
+    }
+
+    quel5::DiagDevice device{L"sim:compare"};
+};
+
+struct WalkCase {
+    const char* name;
+    Parameters parameters;
+    std::vector<uint64_t> sectors;
+    uint64_t start;
+    uint64_t span;
+};
+
+TEST_F(ReadCompare, ReadsEveryVisitedSectorTwiceAndReportsEveryStep) {
+    // clang-format off
+    const WalkCase cases[] = {
+        {"jump 3 over 10 sectors", {{"EndRange", "10"}, {"NumberOfSeeks", "3"}}, {0, 3, 6, 9}, 0, 10},
+        {"every sector", {{"StartRange", "100"}, {"EndRange", "105"}, {"NumberOfSeeks", "5"}}, stepsFrom(100, 1, 5), 100, 5},
+        {"ten percent", {{"StartRange", "1000"}, {"EndRange", "1100"}, {"SectorPercentToTest", "10"}}, stepsFrom(1000, 10, 10), 1000, 100},
+        {"up to the end of the drive", {{"StartRange", "MAX-3"}, {"NumberOfSeeks", "3"}}, {1997, 1998, 1999}, 1997, 3},
+    };
+    // clang-format on
+    for (const WalkCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        leaveCarriedResult();
+        reset(c.parameters);
+        CallRecordingDrive drive(device, driveOf(2000, 4096));
+
+        EXPECT_EQ(run(drive), kCarried);
+
+        std::vector<std::string> expected = {"lock"};
+        std::vector<unsigned> percents;
+        for (const uint64_t sector : c.sectors) {
+            for (const std::string& call : twice(sector)) expected.push_back(call);
+            percents.push_back(static_cast<unsigned>((sector - c.start) * 100 / c.span));
+        }
+        expected.push_back("unlock");
+        EXPECT_EQ(drive.calls, expected);
+        percents.push_back(100);
+        EXPECT_EQ(host.percents(), percents);
+        const auto progress = host.progressReports();
+        ASSERT_EQ(progress.size(), c.sectors.size());
+        for (std::size_t i = 0; i < progress.size(); ++i) {
+            EXPECT_EQ(progress[i].key, "READ_SECTOR");
+            EXPECT_EQ(progress[i].intervalMs, 1000.0);
+            EXPECT_EQ(progress[i].get(L"ReadSector"), quel5::Value(c.sectors[i]));
+            EXPECT_EQ(progress[i].get(L"EndSector"), quel5::Value(c.start + c.span));
+        }
+        EXPECT_EQ(host.stopPolls(), c.sectors.size());
+        for (const sim::Operation& operation : drive.operations()) EXPECT_EQ(operation.sectors, 1u);
+    }
+}
+
+struct FaultCase {
+    const char* name;
+    Parameters limits;
+    std::function<void(ScriptedDrive&)> arrange;
+    TestResult result;
+    std::vector<std::string> steps;   // the calls between "lock" and "unlock"
+    std::vector<std::string> events;  // "KEY@line" or "KEY@line{TestSector}"
+    unsigned stopPolls;
+    bool finalPercent;
+};
+
+std::vector<std::string> concat(const std::vector<std::vector<std::string>>& parts) {
+    std::vector<std::string> all;
+    for (const auto& part : parts) all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
+TEST_F(ReadCompare, CountsFailuresAndCompareErrorsAndToleratesTenInternalErrors) {
+    const auto once = [](uint64_t sector) {
+        return std::vector<std::string>{"prepare", "read " + std::to_string(sector)};
+    };
+    const auto twiceFrom = [](uint64_t first, uint64_t end) {
+        std::vector<std::string> calls;
+        for (uint64_t s = first; s < end; ++s) {
+            for (const std::string& call : twice(s)) calls.push_back(call);
+        }
+        return calls;
+    };
+    const auto fault = [](std::vector<uint64_t> sectors, sim::SectorFault kind) {
+        return [sectors, kind](ScriptedDrive& d) {
+            for (const uint64_t sector : sectors) d.injectFault(sector, kind);
+        };
+    };
+    const auto script = [](std::vector<std::pair<uint64_t, unsigned>> reads, TestResult answer) {
+        return [reads, answer](ScriptedDrive& d) {
+            for (const auto& read : reads) d.scripted[read] = answer;
+        };
+    };
+    std::vector<std::pair<uint64_t, unsigned>> secondReadsOf0To4;
+    for (uint64_t s = 0; s < 5; ++s) secondReadsOf0To4.push_back({s, 2});
+    const auto internalOnBothReads = [secondReadsOf0To4](ScriptedDrive& d) {
+        for (const auto& read : secondReadsOf0To4) d.scripted[read] = TestResult::INTERNALERROR;
+        for (uint64_t s = 10; s < 20; ++s) d.injectFault(s, sim::SectorFault::ReadInternalError);
+    };
+    std::vector<std::string> internalOnBothSteps = twiceFrom(0, 10);
+    for (uint64_t s = 10; s < 16; ++s) {
+        for (const std::string& call : once(s)) internalOnBothSteps.push_back(call);
+    }
+    std::vector<std::string> tenInternal;
+    for (uint64_t s = 0; s < 10; ++s) {
+        for (const std::string& call : once(s)) tenInternal.push_back(call);
+    }
+    // 20 sectors, jump 1, unless the limits say more.
+    // clang-format off
+    const FaultCase cases[] = {
+        {"flaky sector", {}, fault({4}, sim::SectorFault::Flaky), TestResult::FAIL,
+         twiceFrom(0, 20), {"DATA_COMPARE_FAILED@323{4}"}, 20, true},
+        {"first read fails", {}, fault({4}, sim::SectorFault::ReadFails), TestResult::FAIL,
+         concat({twiceFrom(0, 4), once(4), twiceFrom(5, 20)}), {}, 19, true},
+        {"second read fails", {}, script({{4, 2}}, TestResult::FAIL), TestResult::FAIL,
+         twiceFrom(0, 20), {}, 20, true},
+        {"other results are ignored", {}, script({{4, 1}, {6, 2}}, TestResult::NOMEDIA), kCarried,
+         concat({twiceFrom(0, 4), once(4), twiceFrom(5, 20)}), {}, 19, true},
+        {"ten internal errors tolerated", {}, fault(stepsFrom(0, 1, 10), sim::SectorFault::ReadInternalError), kCarried,
+         concat({tenInternal, twiceFrom(10, 20)}), {}, 10, true},
+        {"the eleventh internal error fails", {}, fault(stepsFrom(0, 1, 11), sim::SectorFault::ReadInternalError), TestResult::FAIL,
+         concat({tenInternal, once(10)}), {}, 0, false},
+        {"internal errors of second reads count", {}, internalOnBothReads, TestResult::FAIL,
+         internalOnBothSteps, {}, 10, false},
+        {"MaxErrors on failed reads", {{"MaxErrors", "2"}}, fault({2, 5}, sim::SectorFault::ReadFails), TestResult::FAIL,
+         concat({twiceFrom(0, 2), once(2), twiceFrom(3, 5), once(5)}), {"MAX_ERRORS_EXCEEDED@DriveTest"}, 4, false},
+        {"MaxErrors on compare errors", {{"MaxErrors", "2"}}, fault({2, 5}, sim::SectorFault::Flaky), TestResult::FAIL,
+         twiceFrom(0, 6), {"DATA_COMPARE_FAILED@323{2}", "DATA_COMPARE_FAILED@323{5}", "MAX_ERRORS_EXCEEDED@DriveTest"}, 5, true},
+        {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, fault({2, 5, 7}, sim::SectorFault::ReadFails), TestResult::FAIL,
+         concat({twiceFrom(0, 2), once(2), twiceFrom(3, 5), once(5), twiceFrom(6, 7), once(7), twiceFrom(8, 20)}), {}, 17, true},
+        {"compare error under the threshold", {{"MaxErrors", "10"}, {"MinErrorPercentage", "10"}}, fault({3}, sim::SectorFault::Flaky), TestResult::PASS,
+         twiceFrom(0, 20), {"DATA_COMPARE_FAILED@323{3}", "TEST_PASSED_WITH_ERRORS@DriveTest"}, 20, true},
+    };
+    // clang-format on
+    for (const FaultCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        leaveCarriedResult();
+        reset({{"EndRange", "20"}, {"NumberOfSeeks", "20"}});
+        for (const auto& [key, text] : c.limits) set(key, text);
+        ScriptedDrive drive(device, driveOf(100));
+        c.arrange(drive);
+
+        EXPECT_EQ(run(drive), c.result);
+
+        std::vector<std::string> expected = {"lock"};
+        expected.insert(expected.end(), c.steps.begin(), c.steps.end());
+        expected.push_back("unlock");
+        if (c.result == TestResult::FAIL) expected.push_back("rerun?");
+        if (c.result == TestResult::PASS) expected.push_back("pass?");
+        EXPECT_EQ(drive.calls, expected);
+        std::vector<std::string> events;
+        for (const auto& event : host.events()) {
+            std::string text = event.key + "@";
+            if (event.source == "libDrive/DriveTest") {
+                text += "DriveTest";
+            } else {
+                EXPECT_EQ(event.source, "libDrive/LinearReadCompareTest");
+                EXPECT_EQ(event.severity, quel5::Severity::ERROR);
+                text += std::to_string(event.line) + "{" +
+                        event.get(L"TestSector").toString().toUtf8() + "}";
+            }
+            events.push_back(text);
+        }
+        EXPECT_EQ(events, c.events);
+        EXPECT_EQ(host.stopPolls(), c.stopPolls);
+        EXPECT_EQ(host.lastPercent() == std::optional<unsigned>(100), c.finalPercent);
+    }
+}
+
+TEST_F(ReadCompare, StopIsPolledOnEveryStepWhoseFirstReadPassed) {
+    const struct {
+        const char* name;
+        std::vector<uint64_t> failing;
+        TestResult result;
+        std::vector<uint64_t> readTwice;
+    } cases[] = {
+        {"no failures", {}, TestResult::USERABORTED, {0, 1, 2, 3}},
+        {"a failed first read is not a poll", {1}, TestResult::FAIL, {0, 2, 3, 4}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        reset({{"EndRange", "10"}, {"NumberOfSeeks", "10"}, {"MaxErrors", "10"}});
+        host.stopAfterPolls(3);
+        CallRecordingDrive drive(device, driveOf(100));
+        for (const uint64_t sector : c.failing)
+            drive.injectFault(sector, sim::SectorFault::ReadFails);
+
+        EXPECT_EQ(run(drive), c.result);
+
+        std::vector<uint64_t> expected;
+        for (uint64_t sector = 0; sector <= c.readTwice.back(); ++sector) {
+            expected.push_back(sector);
+            if (std::count(c.readTwice.begin(), c.readTwice.end(), sector) == 1)
+                expected.push_back(sector);
+        }
+        EXPECT_EQ(drive.readSectors(), expected);
+        EXPECT_EQ(host.stopPolls(), 4u);
+        EXPECT_EQ(host.lastPercent(), std::optional<unsigned>(100));
+        EXPECT_EQ(drive.counters().unlockTray, 1u);
+    }
+}
+
+TEST_F(ReadCompare, EstimatesTheTimeLeftAboutOnceASecond) {
+    leaveCarriedResult();
+    reset({{"EndRange", "3000"}, {"NumberOfSeeks", "3000"}});
+    // 10 ms a read, 20 ms a step: an estimate falls due every 51 steps.
+    CallRecordingDrive drive(device, driveOf(3000, 512, 10));
+    drive.switches().provideEstimatedTime = true;
+
+    EXPECT_EQ(run(drive), kCarried);
+
+    EXPECT_EQ(host.progressReports().size(), 3000u);
+    const std::vector<unsigned> left = host.timesLeft();
+    ASSERT_EQ(left.size(), 58u);
+    EXPECT_EQ(left[0], 3u) << "1020 ms over a ring of 1000 steps, 2949 steps to go";
+    EXPECT_EQ(left[19], 39u) << "ring full of 20 ms steps, 1980 steps to go";
+    EXPECT_TRUE(wasLogged("libDrive.LinearReadCompareTest", 1, "213  Estimated Time Left 39"));
+    const auto estimates = host.all<testsupport::TimeLeftReport>();
+    for (std::size_t i = 1; i < estimates.size(); ++i)
+        EXPECT_GT(estimates[i].timeMs - estimates[i - 1].timeMs, 1000u);
+}
+
+TEST_F(ReadCompare, TheWorkingResultCarriesOverIntoLaterPasses) {
+    struct Pass {
+        const char* name;
+        bool stop;
+        std::optional<uint64_t> flaky;
+        bool rerun;
+        TestResult result;
+    };
+    // clang-format off
+    const Pass passes[] = {
+        {"stopped", true, {}, false, TestResult::USERABORTED},
+        {"clean after a stop", false, {}, false, TestResult::USERABORTED},
+        {"compare error", false, 3, false, TestResult::FAIL},
+        {"clean after a compare error", false, {}, false, TestResult::FAIL},
+        {"compare error, clean re-run", false, 3, true, TestResult::FAIL},
+        {"stopped again", true, {}, false, TestResult::USERABORTED},
+    };
+    // clang-format on
+    for (const Pass& pass : passes) {
+        SCOPED_TRACE(pass.name);
+        reset({{"EndRange", "10"}, {"NumberOfSeeks", "10"}});
+        if (pass.stop) host.stopAfterPolls(0);
+        CallRecordingDrive drive(device, driveOf(100));
+        if (pass.flaky) drive.injectFault(*pass.flaky, sim::SectorFault::Flaky);
+        drive.switches().rerunAllowed = pass.rerun;
+        drive.switches().confirmRerun = pass.rerun;
+        drive.healOnConfirmedRerun = pass.rerun;
+
+        EXPECT_EQ(run(drive), pass.result);
+        EXPECT_EQ(drive.counters().lockTray, pass.rerun ? 2u : 1u);
+    }
+}
+
+TEST_F(ReadCompare, EveryWayOutOfAPassUnlocksTheTrayOnce) {
+    const struct {
+        const char* name;
+        uint32_t bytesPerSector;
+        std::optional<DirectRange> range;
+        std::function<void(CallRecordingDrive&)> arrange;
+        TestResult result;
+        unsigned passes;
+        std::vector<std::string> events;  // "KEY@line", from libDrive/LinearReadCompareTest
+    } cases[] = {
+        {"no handle",
+         512,
+         {},
+         [](CallRecordingDrive& d) { d.switches().invalidHandle = true; },
+         TestResult::NODEVICE,
+         0,
+         {}},
+        {"media check fails",
+         512,
+         {},
+         [](CallRecordingDrive& d) {
+             d.switches().needsMediaCheck = true;
+             d.switches().checkMediaResult = TestResult::NOMEDIA;
+         },
+         TestResult::NOMEDIA,
+         1,
+         {}},
+        {"empty range",
+         512,
+         DirectRange{30, 30},
+         [](CallRecordingDrive&) {},
+         TestResult::BADPARAMS,
+         1,
+         {"TOTAL_SECTOR_GREATER_THAN_ZERO@132"}},
+        {"sector size 0",
+         0,
+         {},
+         [](CallRecordingDrive&) {},
+         TestResult::INTERNALERROR,
+         1,
+         {"INVALID_BUFFER_SIZE@149"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        reset({{"EndRange", "10"}, {"NumberOfSeeks", "10"}});
+        CallRecordingDrive drive(device, driveOf(100, c.bytesPerSector));
+        c.arrange(drive);
+
+        if (c.range) {
+            drivetests::WithDirectRange<kivrlibdrive::CLinearReadCompareTest> test(drive, *c.range);
+            EXPECT_EQ(test.Run(), c.result);
+        } else {
+            EXPECT_EQ(run(drive), c.result);
+        }
+
+        EXPECT_EQ(drive.counters().lockTray, c.passes);
+        EXPECT_EQ(drive.counters().unlockTray, c.passes);
+        EXPECT_TRUE(drive.operations().empty());
+        std::vector<std::string> events;
+        for (const auto& event : host.events()) {
+            if (event.source == "libDrive/LinearReadCompareTest")
+                events.push_back(event.key + "@" + std::to_string(event.line));
+        }
+        EXPECT_EQ(events, c.events);
+    }
+}
+
+}  // namespace
