@@ -20,6 +20,7 @@ std::optional<Command> commandNamed(const std::string& name) {
     if (name == "tests") return Command::Tests;
     if (name == "list") return Command::List;
     if (name == "help") return Command::Help;
+    if (name == "make-checksum-file") return Command::MakeChecksumFile;
     return std::nullopt;
 }
 
@@ -39,6 +40,8 @@ public:
         }
         if (line_.command == Command::Run && line_.test.empty() && !line_.help)
             return fail("run needs the name of a test (see drivediag tests)");
+        if (line_.command == Command::MakeChecksumFile && line_.files.size() != 2 && !line_.help)
+            return fail("make-checksum-file needs a data file and an output file");
         if (yes_ && no_) return fail("--yes and --no exclude each other");
         line_.answer = yes_ ? PromptAnswer::Yes : no_ ? PromptAnswer::No : PromptAnswer::Cancel;
         return line_;
@@ -54,7 +57,8 @@ private:
         if (!sawCommand_) {
             const auto command = commandNamed(argument);
             if (!command) {
-                fail("unknown command \"" + argument + "\" (commands: run, tests, list, help)");
+                fail("unknown command \"" + argument +
+                     "\" (commands: run, tests, list, make-checksum-file, help)");
                 return false;
             }
             line_.command = *command;
@@ -63,6 +67,10 @@ private:
         }
         if (line_.command == Command::Run && line_.test.empty()) {
             line_.test = argument;
+            return true;
+        }
+        if (line_.command == Command::MakeChecksumFile && line_.files.size() < 2) {
+            line_.files.push_back(argument);
             return true;
         }
         fail("unexpected argument \"" + argument + "\"");
@@ -86,8 +94,9 @@ private:
         const std::optional<std::string> inline_ =
             equals == std::string::npos ? std::nullopt
                                         : std::optional<std::string>(argument.substr(equals + 1));
-        const bool takesValue =
-            name == "--device" || name == "--set" || name == "--log" || name == "--log-level";
+        const bool takesValue = name == "--device" || name == "--set" || name == "--log" ||
+                                name == "--log-level" || name == "--map" ||
+                                mediumOptionKey(name) != nullptr;
         if (!takesValue && inline_) {
             fail(name + " takes no value");
             return false;
@@ -99,6 +108,12 @@ private:
         if (name == "--json") return flag(line_.json, name);
         if (name == "--yes") return flag(yes_, name);
         if (name == "--no") return flag(no_, name);
+        if (name == "--destructive") return runOnly(name) && flag(line_.destructive, name);
+        if (name == "--fail-if-not-found") {
+            if (!runOnly(name)) return false;
+            line_.sets.emplace_back("FailIfNotFound", "true");
+            return true;
+        }
         if (!takesValue) {
             fail("unknown option " + name);
             return false;
@@ -108,6 +123,11 @@ private:
         if (!text) return false;
         if (name == "--device") return device(*text);
         if (name == "--set") return set(*text);
+        if (name == "--map") return map(*text);
+        if (const char* key = mediumOptionKey(name)) {
+            line_.sets.emplace_back(key, *text);
+            return true;
+        }
         if (name == "--log") return logFile(*text);
         return logLevel(*text);
     }
@@ -146,6 +166,29 @@ private:
         return true;
     }
 
+    bool map(const std::string& text) {
+        const std::size_t equals = text.find('=');
+        if (equals == std::string::npos || equals == 0) {
+            fail("--map " + text + ": expected LETTER=DIRECTORY");
+            return false;
+        }
+        line_.maps.emplace_back(text.substr(0, equals), text.substr(equals + 1));
+        return true;
+    }
+
+    // The checksum test's options stand for --set keys.
+    static const char* mediumOptionKey(const std::string& name) {
+        static const std::pair<const char*, const char*> options[] = {
+            {"--checksum-file", "ChecksumFile"}, {"--fallback-file", "FallbackFile"},
+            {"--expected", "ExpectedChecksum"},  {"--prompts", "MaxMediaPrompts"},
+            {"--media-name", "MediaName"},       {"--drive-letter", "DriveLetter"},
+        };
+        for (const auto& [option, key] : options) {
+            if (name == option) return key;
+        }
+        return nullptr;
+    }
+
     bool logFile(const std::string& text) {
         if (line_.logFile || text.empty()) {
             fail(text.empty() ? "--log needs a file name" : "--log is given twice");
@@ -179,6 +222,9 @@ const char* kGeneralUsage =
     "  run TEST [options]   run one test on one drive (drivediag run --help)\n"
     "  tests                list the tests with their default parameters\n"
     "  list                 list the drives this machine shows\n"
+    "  make-checksum-file DATA OUT\n"
+    "                       write DATA followed by its MD5 digest to OUT, the file the\n"
+    "                       checksum test looks for on a test medium\n"
     "  help                 show this text\n"
     "\n"
     "--json makes any command write one JSON object per line.\n";
@@ -202,6 +248,16 @@ const char* kRunUsage =
     "  --log-level N      log messages of priority N (1: every detail .. 5: notices) and\n"
     "                       above; without --log they go to standard error (default 4)\n"
     "  --yes, --no        how to answer the test's questions (default: cancel)\n"
+    "  --destructive      allow the tests that write to the drive (pattern, cache); they\n"
+    "                       write the data back, but a crash or power cut loses it\n"
+    "\n"
+    "The checksum test reads a file on a test medium instead of a --device:\n"
+    "  --drive-letter E   the medium's drive letter (--set DriveLetter=E)\n"
+    "  --map E=DIR        where drive E's medium is mounted (needed except on Windows)\n"
+    "  --checksum-file F, --fallback-file F, --expected MD5, --prompts N,\n"
+    "  --media-name TEXT, --fail-if-not-found\n"
+    "                     (--set ChecksumFile=, FallbackFile=, ExpectedChecksum=,\n"
+    "                       MaxMediaPrompts=, MediaName=, FailIfNotFound=); see README\n"
     "\n"
     "Ctrl-C asks the test to stop at its next check; a second Ctrl-C ends drivediag.\n";
 

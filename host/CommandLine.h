@@ -11,7 +11,7 @@ namespace host {
 // How message boxes are answered: --yes, --no, or (neither) the cancel-like answer.
 enum class PromptAnswer { Cancel, Yes, No };
 
-enum class Command { Help, Run, Tests, List };
+enum class Command { Help, Run, Tests, List, MakeChecksumFile };
 
 struct CommandLine {
     Command command = Command::Help;
@@ -23,6 +23,9 @@ struct CommandLine {
     std::optional<std::string> logFile;
     std::optional<int> logLevel;  // 1..5
     PromptAnswer answer = PromptAnswer::Cancel;
+    bool destructive = false;  // --destructive: tests that write may run
+    std::vector<std::pair<std::string, std::string>> maps;  // --map LETTER=DIRECTORY, in order
+    std::vector<std::string> files;  // make-checksum-file: DATA and OUT
 };
 
 // The command line of `args` (the arguments after the program name), or nullopt with a reason

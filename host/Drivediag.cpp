@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <memory>
 
+#include "host/ChecksumFileMaker.h"
+#include "host/ChecksumSetup.h"
 #include "host/CommandLine.h"
 #include "host/ConsoleHost.h"
 #include "host/DriveList.h"
@@ -58,14 +60,29 @@ int runTest(const CommandLine& line, const Console& console) {
     if (!test)
         return usageError(console,
                           "unknown test \"" + line.test + "\" (tests: " + testNames() + ")");
-    ParameterValues parameters;
+    if (test->destructive && !line.destructive)
+        return usageError(console, "the " + test->name +
+                                       " test overwrites sectors of the drive (it writes their "
+                                       "data back, but a crash or power cut loses it); add "
+                                       "--destructive to run it");
+    ParameterValues sets = line.sets;
     std::string error;
-    if (!applyParameters(*test, line.sets, &parameters, &error)) return usageError(console, error);
+    std::optional<MediumSettings> medium;
+    if (test->onMedium) {
+        if (line.device) return usageError(console, test->name + " reads a medium, not --device");
+        medium = takeMediumSettings(sets, line.maps, line.answer == PromptAnswer::Yes, &error);
+        if (!medium) return usageError(console, error);
+    } else if (!line.maps.empty()) {
+        return usageError(console, "--map belongs to the checksum test");
+    }
+    ParameterValues parameters;
+    if (!applyParameters(*test, sets, &parameters, &error)) return usageError(console, error);
     LogSession log;
     if (!log.start(line.logFile, line.logLevel, &error)) return usageError(console, error);
     registerLibraryOnce();
-    const std::string deviceText = line.device.value_or(kBuiltInDevice);
-    OpenResult opened = openDrive(deviceText);
+    OpenResult opened = medium ? openMedium(*medium) : openDrive(line.device.value_or(kBuiltInDevice));
+    const std::string deviceText =
+        medium ? opened.opened.device->osLocator().toUtf8() : line.device.value_or(kBuiltInDevice);
     if (opened.failure == OpenFailure::BadText) return usageError(console, opened.error);
     if (opened.failure == OpenFailure::CannotOpen) {
         console.err << "drivediag: cannot open " << opened.error << "\n";
@@ -165,6 +182,8 @@ int runDrivediag(const std::vector<std::string>& args, const Console& console) {
             return listTests(*line, console);
         case Command::List:
             return listDrivesCommand(*line, console);
+        case Command::MakeChecksumFile:
+            return makeChecksumFileCommand(*line, console);
         case Command::Help:
             break;
     }

@@ -1,7 +1,11 @@
 #include "host/TestTable.h"
 
+#include "host/MediumDrive.h"
+#include "libDrive/CacheTest.h"
+#include "libDrive/ChecksumTest.h"
 #include "libDrive/DriveTest.h"
 #include "libDrive/LinearSeekTest.h"
+#include "libDrive/PatternTest.h"
 
 namespace host {
 namespace {
@@ -16,12 +20,40 @@ quel5::TestResult runTest(kivrlibdrive::Drive& drive) {
     return test.Run();
 }
 
+quel5::TestResult runChecksum(kivrlibdrive::Drive& drive) {
+    const auto* medium = dynamic_cast<const MediumDrive*>(&drive);
+    if (medium == nullptr) return quel5::TestResult::NOTSUPPORTED;
+    kivrlibdrive::CChecksumTest test(drive, medium->checksumParameters());
+    return test.Run();
+}
+
 std::vector<TestDefinition> buildTable() {
     return {
         {"linear-seek",
          "Reads single sectors at equal steps from the start of the range to its end.",
          {{"MaxErrors", defaultMaxErrors()}, {"NumberOfSeeks", "1000"}},
          runTest<kivrlibdrive::CLinearSeekTest>},
+        {"pattern",
+         "Writes 18 byte patterns to sectors spread over the range, reads each back and writes "
+         "the sector's data back (destructive).",
+         {{"MaxErrors", defaultMaxErrors()},
+          {"NumberOfSeeks", "1000"},
+          {"NumberOfPatterns", "18"},
+          {"PreserveData", "true"}},
+         runTest<kivrlibdrive::CPatternTest>,
+         true},
+        {"cache",
+         "Writes, reads back and restores 256-sector blocks over the last 32768 sectors of the "
+         "range, five times with different fill bytes (destructive).",
+         {{"MaxErrors", defaultMaxErrors()}, {"NumberOfSeeks", "1"}, {"PreserveData", "true"}},
+         runTest<kivrlibdrive::CCacheTest>,
+         true},
+        {"checksum",
+         "Checks the MD5 digest of a file on a test medium (see --drive-letter and --map).",
+         {},
+         runChecksum,
+         false,
+         true},
     };
 }
 

@@ -24,6 +24,11 @@ struct TestDefinition {
     std::vector<ParameterDefault> defaults;
     // Constructs the test on the drive and runs it once.
     std::function<quel5::TestResult(kivrlibdrive::Drive&)> run;
+    // Writes to the drive: runs only with --destructive.
+    bool destructive = false;
+    // Reads files of a test medium (host/ChecksumSetup.h) rather than sectors of --device; run
+    // is given a host::MediumDrive.
+    bool onMedium = false;
 };
 
 // Every test, in the order `drivediag tests` lists them.

@@ -1,0 +1,7 @@
+#include "host/ChecksumSetup.h"
+
+namespace host {
+
+bool driveLettersAreRoots() { return true; }
+
+}  // namespace host
