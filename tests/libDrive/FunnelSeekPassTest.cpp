@@ -202,42 +202,44 @@ TEST_F(FunnelSeek, BothReadsOfAPairCountAgainstThePairs) {
 }
 
 TEST_F(FunnelSeek, ReportsBothSectorsAndTurnsOnceAtHalfWay) {
-    reset({{"StartRange", "1000"}, {"EndRange", "4000"}, {"NumberOfSeeks", "3000"}});
-    // 10 ms a read, 20 ms a pair: a report falls due after every 51 pairs.
+    reset({{"StartRange", "1000"}, {"EndRange", "4060"}, {"NumberOfSeeks", "3060"}});
+    // 10 ms a read, 20 ms a pair: a report falls due after every 51 pairs. The 30th report
+    // falls at exactly 50 percent.
     CallRecordingDrive drive(device, driveOf(5000, 512, 10));
     drive.switches().provideEstimatedTime = true;
 
     EXPECT_EQ(run(drive), TestResult::PASS);
 
     const auto progress = host.progressReports();
-    ASSERT_EQ(progress.size(), 58u);
+    ASSERT_EQ(progress.size(), 59u);
     for (std::size_t i = 0; i < progress.size(); ++i) {
         const uint64_t low = 1000 + 51 * (i + 1);
         EXPECT_EQ(progress[i].key, "READ_SECTOR_FUNNEL");
         EXPECT_EQ(progress[i].intervalMs, 1000.0);
         EXPECT_EQ(progress[i].get(L"ReadSector1"), quel5::Value(low));
-        EXPECT_EQ(progress[i].get(L"ReadSector2"), quel5::Value(3999 - (low - 1000)));
-        EXPECT_EQ(progress[i].get(L"EndSector"), quel5::Value(4000u));
+        EXPECT_EQ(progress[i].get(L"ReadSector2"), quel5::Value(4059 - (low - 1000)));
+        EXPECT_EQ(progress[i].get(L"EndSector"), quel5::Value(4060u));
     }
     const std::vector<unsigned> percents = host.percents();
-    ASSERT_EQ(percents.size(), 59u);
-    EXPECT_EQ(percents[0], 1u) << "51 of 3000 pairs";
-    EXPECT_EQ(percents[29], 51u) << "1530 of 3000 pairs";
-    EXPECT_EQ(percents[58], 100u);
-    // The remaining pairs are figured as (end - pairs done) / jump: (4000 - 51) pairs, not 2949.
+    ASSERT_EQ(percents.size(), 60u);
+    EXPECT_EQ(percents[0], 1u) << "51 of 3060 pairs";
+    EXPECT_EQ(percents[29], 50u) << "1530 of 3060 pairs";
+    EXPECT_EQ(percents[30], 51u) << "1581 of 3060 pairs";
+    EXPECT_EQ(percents[59], 100u);
+    // The remaining pairs are figured as (end - pairs done) / jump: (4060 - 51) pairs, not 3009.
     const std::vector<unsigned> left = host.timesLeft();
-    ASSERT_EQ(left.size(), 58u);
-    EXPECT_EQ(left[0], 4u) << "1020 ms over a ring of 1000 pairs, 3949 pairs counted";
-    EXPECT_EQ(left[19], 59u) << "ring full of 20 ms pairs, 4000 - 1020 pairs counted";
-    EXPECT_TRUE(wasLogged("libDrive.FunnelSeekTest", 1, "250  Estimated Time Left 59"));
+    ASSERT_EQ(left.size(), 59u);
+    EXPECT_EQ(left[0], 4u) << "1020 ms over a ring of 1000 pairs, 4009 pairs counted";
+    EXPECT_EQ(left[19], 60u) << "ring full of 20 ms pairs, 4060 - 1020 pairs counted";
+    EXPECT_TRUE(wasLogged("libDrive.FunnelSeekTest", 1, "250  Estimated Time Left 60"));
 
-    // One more PrepareRead, right after the pair at the first report past 50 percent.
-    EXPECT_EQ(drive.counters().prepareRead, 3001u);
-    const std::vector<std::string> turn = {"read 2530", "read 2469", "prepare", "prepare",
-                                           "read 2531"};
+    // One more PrepareRead, right after the pair at the first report past (not at) 50 percent.
+    EXPECT_EQ(drive.counters().prepareRead, 3061u);
+    const std::vector<std::string> turn = {"read 2581", "read 2478", "prepare", "prepare",
+                                           "read 2582"};
     EXPECT_NE(std::search(drive.calls.begin(), drive.calls.end(), turn.begin(), turn.end()),
               drive.calls.end());
-    EXPECT_EQ(host.stopPolls(), 58u);
+    EXPECT_EQ(host.stopPolls(), 59u);
 }
 
 TEST_F(FunnelSeek, StopRequestsAreSeenAtReports) {

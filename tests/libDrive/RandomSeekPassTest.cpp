@@ -121,7 +121,7 @@ TEST_F(RandomSeek, TheEndOfTheRangeIsDrawnToo) {
 
         EXPECT_EQ(run(drive), c.endRead);
 
-        EXPECT_EQ(drive.readSectors(), (std::vector<uint64_t>{14, 10}));
+        ASSERT_EQ(drive.readSectors(), (std::vector<uint64_t>{14, 10}));
         EXPECT_EQ(drive.operations().front().result, c.endRead);
     }
 }
@@ -289,8 +289,10 @@ TEST_F(RandomSeek, ReportsTimedProgressAboutOnceASecond) {
     }
     const std::vector<unsigned> percents = host.percents();
     ASSERT_EQ(percents.size(), 30u);
-    EXPECT_EQ(percents[0], 3u) << "101 of 3000 seeks";
-    EXPECT_EQ(percents[28], 97u) << "2929 of 3000 seeks";
+    for (std::size_t i = 0; i < 29; ++i) {
+        EXPECT_EQ(percents[i], 101 * (i + 1) * 100 / 3000) << "seeks done before the report";
+    }
+    EXPECT_EQ(percents[18], 63u) << "1919 of 3000 seeks, not 1920";
     EXPECT_EQ(percents[29], 100u);
     const std::vector<unsigned> left = host.timesLeft();
     ASSERT_EQ(left.size(), 29u);
@@ -298,6 +300,24 @@ TEST_F(RandomSeek, ReportsTimedProgressAboutOnceASecond) {
     EXPECT_EQ(left[9], 19u) << "ring full: 10000 ms, 1990 seeks to go";
     EXPECT_TRUE(wasLogged("libDrive.RandomSeekTest", 1, "288  Estimated Time Left 19"));
     EXPECT_EQ(host.stopPolls(), 29u);
+}
+
+TEST_F(RandomSeek, EstimateIsTheTrueTimeLeftOnceTheRingIsFull) {
+    reset({{"EndRange", "2000"}, {"NumberOfSeeks", "1500"}});
+    SeedScript seeds(kSeeds);
+    // One second a seek: a report after every second seek, at seeks 2, 4, 6, ...
+    CallRecordingDrive drive(device, driveOf(2001, 512, 1000));
+    drive.switches().provideEstimatedTime = true;
+
+    EXPECT_EQ(run(drive), TestResult::PASS);
+
+    const std::vector<unsigned> left = host.timesLeft();
+    ASSERT_EQ(left.size(), 749u);
+    EXPECT_EQ(left[0], 2u) << "2 of 1000 samples: 2000 ms * 1498 seeks";
+    for (std::size_t i = 500; i < left.size(); ++i) {
+        const unsigned done = 2 * static_cast<unsigned>(i + 1);
+        EXPECT_EQ(left[i], 1500 - done) << "after seek " << done;
+    }
 }
 
 TEST_F(RandomSeek, StopRequestsAreSeenAtReports) {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "ReadOnlyTestSupport.h"
@@ -273,6 +274,37 @@ TEST_F(ReadCompare, EstimatesTheTimeLeftAboutOnceASecond) {
     const auto estimates = host.all<testsupport::TimeLeftReport>();
     for (std::size_t i = 1; i < estimates.size(); ++i)
         EXPECT_GT(estimates[i].timeMs - estimates[i - 1].timeMs, 1000u);
+}
+
+TEST_F(ReadCompare, AStepWithAFailedFirstReadIsTimedWithTheNextOne) {
+    // Odd sectors fail their first read (10 ms) and leave no sample of their own: the next even
+    // sector's sample holds both steps, 30 ms. Once 1000 such samples are in (sector 2000 on),
+    // an estimate made at sector s is 30000 ms * (3000 - s) / 10^6 seconds.
+    leaveCarriedResult();
+    reset({{"EndRange", "3000"}, {"NumberOfSeeks", "3000"}, {"MaxErrors", "0"}});
+    CallRecordingDrive drive(device, driveOf(3000, 512, 10));
+    for (uint64_t sector = 1; sector < 3000; sector += 2)
+        drive.injectFault(sector, sim::SectorFault::ReadFails);
+    drive.switches().provideEstimatedTime = true;
+
+    EXPECT_EQ(run(drive), TestResult::FAIL);
+
+    // Each estimate is followed by the progress of the step it was made at.
+    std::vector<std::pair<uint64_t, unsigned>> late;
+    std::optional<unsigned> pending;
+    for (const testsupport::Report& report : host.reports()) {
+        if (const auto* left = std::get_if<testsupport::TimeLeftReport>(&report)) {
+            pending = left->seconds;
+        } else if (const auto* progress = std::get_if<testsupport::ProgressReport>(&report)) {
+            const uint64_t sector = progress->get(L"ReadSector").valueUint64();
+            if (pending && sector > 2000) late.emplace_back(sector, *pending);
+            pending.reset();
+        }
+    }
+    ASSERT_GE(late.size(), 10u);
+    for (const auto& [sector, seconds] : late) {
+        EXPECT_EQ(seconds, 30000 * (3000 - sector) / 1000000) << "at sector " << sector;
+    }
 }
 
 TEST_F(ReadCompare, TheWorkingResultCarriesOverIntoLaterPasses) {
