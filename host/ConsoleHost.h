@@ -3,6 +3,7 @@
 // Ctrl-C request, message boxes from the --yes/--no choice, and texts from the catalogue.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -86,6 +87,7 @@ private:
     std::string progressText_;
     std::optional<unsigned int> secondsLeft_;
     bool progressShown_ = false;  // a progress line without its newline is on the terminal
+    std::optional<uint64_t> lastProgressLineMs_;  // when the last progress line was written
     std::size_t shownWidth_ = 0;
 };
 

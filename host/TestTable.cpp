@@ -4,8 +4,12 @@
 #include "libDrive/CacheTest.h"
 #include "libDrive/ChecksumTest.h"
 #include "libDrive/DriveTest.h"
+#include "libDrive/FunnelSeekTest.h"
+#include "libDrive/LinearReadCompareTest.h"
 #include "libDrive/LinearSeekTest.h"
 #include "libDrive/PatternTest.h"
+#include "libDrive/RandomSeekTest.h"
+#include "libDrive/SurfaceScanTest.h"
 
 namespace host {
 namespace {
@@ -33,6 +37,24 @@ std::vector<TestDefinition> buildTable() {
          "Reads single sectors at equal steps from the start of the range to its end.",
          {{"MaxErrors", defaultMaxErrors()}, {"NumberOfSeeks", "1000"}},
          runTest<kivrlibdrive::CLinearSeekTest>},
+        {"random-seek",
+         "Reads single sectors drawn at random from the range, end sector included.",
+         {{"MaxErrors", defaultMaxErrors()}, {"NumberOfSeeks", "1000"}},
+         runTest<kivrlibdrive::CRandomSeekTest>},
+        {"funnel-seek",
+         "Reads pairs of sectors from both ends of the range, moving both ends inward and on "
+         "past each other.",
+         {{"MaxErrors", defaultMaxErrors()}, {"NumberOfSeeks", "1000"}},
+         runTest<kivrlibdrive::CFunnelSeekTest>},
+        {"surface-scan",
+         "Reads blocks of the drive's preferred size evenly spread over the range, covering "
+         "the chosen share of it.",
+         {{"MaxErrors", defaultMaxErrors()}, {"SectorPercentToTest", "5"}},
+         runTest<kivrlibdrive::CSurfaceScanTest>},
+        {"read-compare",
+         "Reads sectors at equal steps over the range twice each and compares the two copies.",
+         {{"MaxErrors", defaultMaxErrors()}, {"NumberOfSeeks", "1000"}},
+         runTest<kivrlibdrive::CLinearReadCompareTest>},
         {"pattern",
          "Writes 18 byte patterns to sectors spread over the range, reads each back and writes "
          "the sector's data back (destructive).",

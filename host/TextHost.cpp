@@ -1,5 +1,6 @@
 #include "host/ConsoleHost.h"
 #include "host/ProgressLine.h"
+#include "os/Clock.h"
 
 namespace host {
 namespace {
@@ -41,13 +42,21 @@ void TextHost::eventRaised(quel5::Severity severity, const quel5::Event& event,
               event.key().toUtf8() + ", " + source.toUtf8() + ":" + std::to_string(line) + "]");
 }
 
-void TextHost::progress(const quel5::LocalizedString& text, double) {
+void TextHost::progress(const quel5::LocalizedString& text, double intervalMs) {
     progressText_ = text.localizedString().toUtf8();
     if (terminal_) {
         redrawProgress();
-    } else {
-        out() << progressLine(percent_, progressText_, secondsLeft_) << "\n";
+        return;
     }
+    // A timed report may come with every read; as lines of a file it is kept to one per
+    // interval.
+    const uint64_t now = os::nowMilliseconds();
+    if (intervalMs > 0.0 && lastProgressLineMs_ &&
+        static_cast<double>(now - *lastProgressLineMs_) < intervalMs) {
+        return;
+    }
+    lastProgressLineMs_ = now;
+    out() << progressLine(percent_, progressText_, secondsLeft_) << "\n";
 }
 
 void TextHost::percentDone(unsigned int percent) {
