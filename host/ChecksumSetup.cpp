@@ -9,8 +9,8 @@
 namespace host {
 namespace {
 
-const char* const kKeys[] = {"ChecksumFile",     "FallbackFile", "ExpectedChecksum",
-                             "MaxMediaPrompts",  "MediaName",    "FailIfNotFound",
+const char* const kKeys[] = {"ChecksumFile",    "FallbackFile", "ExpectedChecksum",
+                             "MaxMediaPrompts", "MediaName",    "FailIfNotFound",
                              "DriveLetter"};
 
 std::nullopt_t fail(std::string* error, const std::string& reason) {
@@ -121,9 +121,10 @@ std::optional<MediumSettings> takeMediumSettings(ParameterValues& sets, const Dr
     if (mapped != directories.end()) {
         settings.directory = mapped->second;
     } else if (!driveLettersAreRoots()) {
-        return fail(error, std::string("drive letters are not paths here: say where the medium of ") +
-                               settings.driveLetter + ": is mounted with --map " +
-                               settings.driveLetter + "=/media/usb");
+        return fail(error,
+                    std::string("drive letters are not paths here: say where the medium of ") +
+                        settings.driveLetter + ": is mounted with --map " + settings.driveLetter +
+                        "=/media/usb");
     }
     if (settings.parameters.maxMediaPrompts == 0 && answersYes)
         return fail(error,
@@ -134,14 +135,15 @@ std::optional<MediumSettings> takeMediumSettings(ParameterValues& sets, const Dr
 OpenResult openMedium(const MediumSettings& settings) {
     const std::string letter(1, settings.driveLetter);
     OpenResult result;
-    result.opened.device = std::make_unique<quel5::DiagDevice>(QuelString(("medium:" + letter).c_str()));
+    result.opened.device =
+        std::make_unique<quel5::DiagDevice>(QuelString(("medium:" + letter).c_str()));
     std::string location = "drive " + letter + ":";
     if (settings.directory.empty()) {
         result.opened.device->setText(L"DriveLetter", kiv::String::fromUtf8(letter));
     } else {
         // The test takes the medium's root from the device path after its "\\.\" prefix.
-        result.opened.device->setText(L"DriverName",
-                                      kiv::String(L"\\\\.\\") + kiv::String::fromUtf8(settings.directory));
+        result.opened.device->setText(
+            L"DriverName", kiv::String(L"\\\\.\\") + kiv::String::fromUtf8(settings.directory));
         location += " at " + settings.directory;
     }
     result.opened.drive =

@@ -25,7 +25,7 @@ struct CommandLine {
     PromptAnswer answer = PromptAnswer::Cancel;
     bool destructive = false;  // --destructive: tests that write may run
     std::vector<std::pair<std::string, std::string>> maps;  // --map LETTER=DIRECTORY, in order
-    std::vector<std::string> files;  // make-checksum-file: DATA and OUT
+    std::vector<std::string> files;                         // make-checksum-file: DATA and OUT
 };
 
 // The command line of `args` (the arguments after the program name), or nullopt with a reason

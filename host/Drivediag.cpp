@@ -80,7 +80,8 @@ int runTest(const CommandLine& line, const Console& console) {
     LogSession log;
     if (!log.start(line.logFile, line.logLevel, &error)) return usageError(console, error);
     registerLibraryOnce();
-    OpenResult opened = medium ? openMedium(*medium) : openDrive(line.device.value_or(kBuiltInDevice));
+    OpenResult opened =
+        medium ? openMedium(*medium) : openDrive(line.device.value_or(kBuiltInDevice));
     const std::string deviceText =
         medium ? opened.opened.device->osLocator().toUtf8() : line.device.value_or(kBuiltInDevice);
     if (opened.failure == OpenFailure::BadText) return usageError(console, opened.error);

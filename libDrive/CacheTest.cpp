@@ -43,11 +43,6 @@ kiv::Logger* logger() {
     return classLogger(slot, L"libDrive.CacheTest");
 }
 
-bool endsTheTest(const quel5::TestResult& result) {
-    return result == quel5::TestResult::USERABORTED ||
-           result == quel5::TestResult::INTERNALERROR || result == quel5::TestResult::CANNOTRUN;
-}
-
 }  // namespace
 
 CCacheTest::CCacheTest(Drive& drive) : DriveTest(drive) {}
@@ -99,7 +94,7 @@ quel5::TestResult CCacheTest::DoTesting() {
             const uint32_t sectorBytes = drive.GetBytesPerSector();
             running = CacheTestSector(sector, sectorBytes, pass, errors);
             if (running != quel5::TestResult::PASS) {
-                if (endsTheTest(running)) {
+                if (EndsDestructivePass(running)) {
                     volumes.Release();
                     return running;
                 }
@@ -107,10 +102,7 @@ quel5::TestResult CCacheTest::DoTesting() {
                 // The raw parameter: 0 means the first failed block ends the test.
                 if (errors >= g_MaxErrors->value().valueUint32()) {
                     volumes.Release();
-                    LibDriveStrings::g_errorEventMaxErrorsExceeded->setVariable(
-                        L"MaxError", quel5::Value(GetMaxErrors()));
-                    quel5::DiagModule::error(LibDriveStrings::g_errorEventMaxErrorsExceeded,
-                                             kSource, kMaxErrorsLine);
+                    ReportMaxErrorsExceeded(GetMaxErrors(), kSource, kMaxErrorsLine);
                     quel5::DiagModule::percentDone(100);
                     return quel5::TestResult::FAIL;
                 }

@@ -64,7 +64,8 @@ unsigned int percentOf(uint64_t part, uint64_t whole) {
     if (whole == 0 || part >= whole) {
         return 100;
     }
-    return static_cast<unsigned int>(static_cast<double>(part) * 100.0 / static_cast<double>(whole));
+    return static_cast<unsigned int>(static_cast<double>(part) * 100.0 /
+                                     static_cast<double>(whole));
 }
 
 }  // namespace
@@ -100,8 +101,7 @@ quel5::TestResult CChecksumTest::Run() {
 quel5::TestResult CChecksumTest::CalculateChecksum() {
     quel5::DiagModule::percentDone(0);
     const kiv::String& devicePath = drive.GetDriveLetter();
-    const kiv::String root =
-        devicePath.substring(std::min(kDevicePathPrefix, devicePath.length()));
+    const kiv::String root = devicePath.substring(std::min(kDevicePathPrefix, devicePath.length()));
     // A file is looked for only by a name, on a medium that has a root.
     const auto onMedium = [&root](const kiv::String& name, kiv::String& path) {
         if (root.isEmpty() || name.isEmpty()) {
@@ -221,9 +221,9 @@ quel5::TestResult CChecksumTest::CompareChecksums(kiv::Array<unsigned char>& con
     const std::size_t length = std::min<std::size_t>(size, contents.size());
     if (length < kTrailerBytes) {
         // Nothing to compare with: a file this short cannot end with a digest.
-        log(kiv::LogPriority::Warning,
-            kiv::String::fromNumber(__LINE__) + L" The checksum file is shorter than its " +
-                L"16-byte checksum.");
+        log(kiv::LogPriority::Warning, kiv::String::fromNumber(__LINE__) +
+                                           L" The checksum file is shorter than its " +
+                                           L"16-byte checksum.");
         quel5::DiagModule::warning(LibDriveStrings::g_warnNoDataFoundInChecksumFile, kSource,
                                    __LINE__);
         return quel5::TestResult::CANNOTRUN;

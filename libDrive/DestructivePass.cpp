@@ -12,12 +12,23 @@ namespace kivrlibdrive {
 
 bool ShouldPreserveData() { return g_bPreserveData->value().valueBool(); }
 
+bool EndsDestructivePass(const quel5::TestResult& result) {
+    return result == quel5::TestResult::USERABORTED || result == quel5::TestResult::INTERNALERROR ||
+           result == quel5::TestResult::CANNOTRUN;
+}
+
+void ReportMaxErrorsExceeded(uint32_t maxErrors, const wchar_t* source, int line) {
+    LibDriveStrings::g_errorEventMaxErrorsExceeded->setVariable(L"MaxError",
+                                                                quel5::Value(maxErrors));
+    quel5::DiagModule::error(LibDriveStrings::g_errorEventMaxErrorsExceeded, source, line);
+}
+
 quel5::TestResult RestoreSector(Drive& drive, uint64_t sector, const void* data, uint32_t bytes) {
     return drive.WriteSectors(sector, 1, data, bytes);
 }
 
 void ReportUnableToRestore(const quel5::LocalizedString& testName, uint64_t sector,
-                          uint64_t endSector, const wchar_t* source, int line) {
+                           uint64_t endSector, const wchar_t* source, int line) {
     quel5::Event* event = LibDriveStrings::g_WarnEventUnableToRestoreSector;
     event->setVariable(L"TestName", quel5::Value(testName.localizedString()));
     event->setVariable(L"TestSector", quel5::Value(sector));

@@ -15,6 +15,14 @@ namespace kivrlibdrive {
 // The boolean value of the "PreserveData" parameter; false when it is not set.
 bool ShouldPreserveData();
 
+// True for the results of a tested area after which a destructive test goes no further:
+// USERABORTED, INTERNALERROR and CANNOTRUN. Other failures are counted and the test goes on.
+bool EndsDestructivePass(const quel5::TestResult& result);
+
+// Raises "MAX_ERRORS_EXCEEDED" as an error from `source`, line `line`, with "MaxError" =
+// `maxErrors`.
+void ReportMaxErrorsExceeded(uint32_t maxErrors, const wchar_t* source, int line);
+
 // Writes `bytes` bytes of `data` back at `sector` through the drive's WriteSectors with a
 // sector count of 1 (the drive transfers the whole buffer). Returns what the drive answers.
 quel5::TestResult RestoreSector(Drive& drive, uint64_t sector, const void* data, uint32_t bytes);
@@ -22,7 +30,7 @@ quel5::TestResult RestoreSector(Drive& drive, uint64_t sector, const void* data,
 // Raises "UNABLE_TO_RESTORE_SECTOR" as a warning from `source`, line `line`, with "TestName" (the
 // localized text of `testName`), "TestSector" and "EndSector".
 void ReportUnableToRestore(const quel5::LocalizedString& testName, uint64_t sector,
-                          uint64_t endSector, const wchar_t* source, int line);
+                           uint64_t endSector, const wchar_t* source, int line);
 
 // The buffers of one tested area, each `bytes` long: the data found there (saved), what the test
 // writes (written) and what it reads back (readBack).

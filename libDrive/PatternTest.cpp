@@ -43,12 +43,6 @@ kiv::Logger* logger() {
     return classLogger(slot, L"libDrive.PatternTest");
 }
 
-// Results after which no further sector is tested.
-bool endsTheTest(const quel5::TestResult& result) {
-    return result == quel5::TestResult::USERABORTED ||
-           result == quel5::TestResult::INTERNALERROR || result == quel5::TestResult::CANNOTRUN;
-}
-
 }  // namespace
 
 CPatternTest::CPatternTest(Drive& drive) : DriveTest(drive) {}
@@ -104,7 +98,7 @@ quel5::TestResult CPatternTest::DoTesting() {
         const uint32_t sectorBytes = drive.GetBytesPerSector();
         running = PatternTestSector(current, sectorBytes, errors);
         if (running != quel5::TestResult::PASS) {
-            if (endsTheTest(running)) {
+            if (EndsDestructivePass(running)) {
                 volumes.Release();
                 tray.Release();
                 return running;
@@ -112,10 +106,7 @@ quel5::TestResult CPatternTest::DoTesting() {
             if (errors >= GetMaxErrors()) {
                 volumes.Release();
                 tray.Release();
-                LibDriveStrings::g_errorEventMaxErrorsExceeded->setVariable(
-                    L"MaxError", quel5::Value(GetMaxErrors()));
-                quel5::DiagModule::error(LibDriveStrings::g_errorEventMaxErrorsExceeded, kSource,
-                                         kMaxErrorsLine);
+                ReportMaxErrorsExceeded(GetMaxErrors(), kSource, kMaxErrorsLine);
                 return quel5::TestResult::FAIL;
             }
         }
@@ -157,8 +148,8 @@ quel5::TestResult CPatternTest::PatternTestSector(const uint64_t& sector,
     const uint32_t count = std::min<uint32_t>(GetNumPatterns(), kPatterns.size());
     for (uint32_t i = 0; i < count; ++i) {
         if (quel5::DiagModule::checkForStop()) {
-            if (ShouldPreserveData() && RestoreSector(sector, buffers.saved(), sectorBytes) !=
-                                            quel5::TestResult::PASS) {
+            if (ShouldPreserveData() &&
+                RestoreSector(sector, buffers.saved(), sectorBytes) != quel5::TestResult::PASS) {
                 ReportUnableToRestore(*LibDriveStrings::g_PatternTest, sector, endSector, kSource,
                                       kRestoreOnStopLine);
                 ++errors;
@@ -172,7 +163,8 @@ quel5::TestResult CPatternTest::PatternTestSector(const uint64_t& sector,
             ++errors;
             return written;
         }
-        const quel5::TestResult read = drive.ReadSectors(sector, 1, buffers.readBack(), sectorBytes);
+        const quel5::TestResult read =
+            drive.ReadSectors(sector, 1, buffers.readBack(), sectorBytes);
         if (read != quel5::TestResult::PASS) {
             ++errors;
             return read;

@@ -58,7 +58,9 @@ TEST(DestructiveGuard, WritingTestsNeedTheirFlag) {
     } cases[] = {
         {{"run", "pattern", "--device", "sim:1MiB"}, 64, "add --destructive"},
         {{"run", "cache", "--device", "sim:32MiB"}, 64, "cache test overwrites sectors"},
-        {{"run", "pattern", "--device", "sim:1MiB", "--destructive", "--set", "NumberOfSeeks=50"}, 0, ""},
+        {{"run", "pattern", "--device", "sim:1MiB", "--destructive", "--set", "NumberOfSeeks=50"},
+         0,
+         ""},
         {{"run", "cache", "--device", "sim:8MiB", "--destructive"}, 3, ""},
         {{"tests", "--destructive"}, 64, "belongs to the run command"},
     };
@@ -83,17 +85,45 @@ TEST(MediumSettings, KeysBecomeTheChecksumParameters) {
         std::string error;  // part of the reason; empty when accepted
     } cases[] = {
         {"defaults", {{"DriveLetter", "e:"}}, {{"E", "/media/usb"}}, false, ""},
-        {"every key", {{"DriveLetter", "F"}, {"ChecksumFile", "a.bin"}, {"FallbackFile", "b.bin"},
-                       {"ExpectedChecksum", digest}, {"MaxMediaPrompts", "7"}, {"MediaName", "CD 2"},
-                       {"FailIfNotFound", "yes"}, {"MaxErrors", "3"}},
-         {{"f", "/mnt/cd"}}, false, ""},
+        {"every key",
+         {{"DriveLetter", "F"},
+          {"ChecksumFile", "a.bin"},
+          {"FallbackFile", "b.bin"},
+          {"ExpectedChecksum", digest},
+          {"MaxMediaPrompts", "7"},
+          {"MediaName", "CD 2"},
+          {"FailIfNotFound", "yes"},
+          {"MaxErrors", "3"}},
+         {{"f", "/mnt/cd"}},
+         false,
+         ""},
         {"no drive letter", {}, {{"E", "/x"}}, false, "DriveLetter=E"},
         {"two letters", {{"DriveLetter", "EF"}}, {}, false, "expected a drive letter"},
-        {"short digest", {{"DriveLetter", "E"}, {"ExpectedChecksum", "abc"}}, {{"E", "/x"}}, false, "32 hexadecimal"},
-        {"prompts not a count", {{"DriveLetter", "E"}, {"MaxMediaPrompts", "-1"}}, {{"E", "/x"}}, false, "a count"},
-        {"endless prompts answered by themselves", {{"DriveLetter", "E"}, {"MaxMediaPrompts", "0"}}, {{"E", "/x"}}, true, "forever"},
-        {"a letter mapped twice", {{"DriveLetter", "E"}}, {{"E", "/x"}, {"e", "/y"}}, false, "twice"},
-        {"a map without a directory", {{"DriveLetter", "E"}}, {{"E", ""}}, false, "LETTER=DIRECTORY"},
+        {"short digest",
+         {{"DriveLetter", "E"}, {"ExpectedChecksum", "abc"}},
+         {{"E", "/x"}},
+         false,
+         "32 hexadecimal"},
+        {"prompts not a count",
+         {{"DriveLetter", "E"}, {"MaxMediaPrompts", "-1"}},
+         {{"E", "/x"}},
+         false,
+         "a count"},
+        {"endless prompts answered by themselves",
+         {{"DriveLetter", "E"}, {"MaxMediaPrompts", "0"}},
+         {{"E", "/x"}},
+         true,
+         "forever"},
+        {"a letter mapped twice",
+         {{"DriveLetter", "E"}},
+         {{"E", "/x"}, {"e", "/y"}},
+         false,
+         "twice"},
+        {"a map without a directory",
+         {{"DriveLetter", "E"}},
+         {{"E", ""}},
+         false,
+         "LETTER=DIRECTORY"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -149,7 +179,8 @@ TEST(MakeChecksumFile, TheFileItWritesPassesTheChecksumTest) {
         SCOPED_TRACE(c.name);
         const MediumDirectory medium;
         medium.write("data", c.data);
-        const auto made = runDrivediag({"make-checksum-file", medium.file("data"), medium.file("CHECKSUM.BIN")});
+        const auto made =
+            runDrivediag({"make-checksum-file", medium.file("data"), medium.file("CHECKSUM.BIN")});
         ASSERT_EQ(made.exitCode, 0) << made.err;
         EXPECT_EQ(made.out.find("Note:") != std::string::npos, !c.noteAt.empty());
         if (!c.noteAt.empty()) {
@@ -159,8 +190,8 @@ TEST(MakeChecksumFile, TheFileItWritesPassesTheChecksumTest) {
         ASSERT_EQ(written.size(), c.data.size() + 16);
         EXPECT_EQ(written.substr(0, c.data.size()), c.data);
 
-        const std::vector<std::string> run = {"run", "checksum", "--drive-letter", "E", "--map",
-                                              "E=" + medium.root()};
+        const std::vector<std::string> run = {"run", "checksum", "--drive-letter",
+                                              "E",   "--map",    "E=" + medium.root()};
         EXPECT_EQ(runDrivediag(run).exitCode, 0) << "the file as written passes";
         if (c.data.empty()) continue;
         std::string changed = written;
@@ -174,7 +205,8 @@ TEST(MakeChecksumFile, TheFileItWritesPassesTheChecksumTest) {
     host::ChecksumFileMade made;
     const auto abc = host::checksumFileContents("abc", &made);
     ASSERT_TRUE(abc);
-    EXPECT_EQ(abc->substr(3), std::string("\x90\x01\x50\x98\x3c\xd2\x4f\xb0\xd6\x96\x3f\x7d\x28\xe1\x7f\x72", 16))
+    EXPECT_EQ(abc->substr(3),
+              std::string("\x90\x01\x50\x98\x3c\xd2\x4f\xb0\xd6\x96\x3f\x7d\x28\xe1\x7f\x72", 16))
         << "the trailer is the binary MD5 of the data";
     EXPECT_EQ(made.digest, "900150983cd24fb0d6963f7d28e17f72");
 }
@@ -205,7 +237,10 @@ TEST(ChecksumRun, AMissingMediumIsAskedForThroughTheHost) {
         std::size_t prompts;
     } cases[] = {
         {"asked twice", {"--yes", "--prompts", "2", "--media-name", "Diag CD"}, 11, 2},
-        {"failing when not found", {"--yes", "--set", "MaxMediaPrompts=1", "--fail-if-not-found"}, 1, 1},
+        {"failing when not found",
+         {"--yes", "--set", "MaxMediaPrompts=1", "--fail-if-not-found"},
+         1,
+         1},
         {"the person cancels", {"--no"}, 4, 1},
         {"unanswered", {}, 4, 1},
     };

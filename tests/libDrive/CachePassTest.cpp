@@ -32,15 +32,8 @@ protected:
         kivrlibdrive::CCacheTest test(drive);
         return test.Run();
     }
-    // Every event as "KEY:line"; events the drive raises itself as "KEY".
     std::vector<std::string> eventLines() const {
-        std::vector<std::string> lines;
-        for (const testsupport::EventReport& event : host.events()) {
-            lines.push_back(event.source == "libDrive/CacheTest"
-                                ? event.key + ":" + std::to_string(event.line)
-                                : event.key);
-        }
-        return lines;
+        return drivetests::eventLines(host, "libDrive/CacheTest");
     }
 
     quel5::DiagDevice device{L"sim:cache"};
@@ -168,8 +161,8 @@ TEST_F(CachePass, FailedBlocksAreCountedAgainstTheRawLimit) {
         EXPECT_EQ(eventLines(), c.events);
         EXPECT_EQ(drive.callsStartingWith("write").size(), c.writes);
         EXPECT_EQ(drive.counters().unLock, c.result == TestResult::DEVICEBUSY ? 0u : 1u);
-        EXPECT_EQ(host.lastPercent(), c.result == TestResult::FAIL ? std::optional<unsigned>(100)
-                                                                   : host.lastPercent());
+        EXPECT_EQ(host.lastPercent(),
+                  c.result == TestResult::FAIL ? std::optional<unsigned>(100) : host.lastPercent());
     }
 }
 

@@ -50,7 +50,8 @@ std::string letters(std::size_t count) {
 // at each prompt, as a person inserting a medium would.
 class MediumDrive : public sim::SimulatedDrive {
 public:
-    MediumDrive(const quel5::DiagDevice& device) : sim::SimulatedDrive(device, drivetests::driveOf(100)) {
+    MediumDrive(const quel5::DiagDevice& device)
+        : sim::SimulatedDrive(device, drivetests::driveOf(100)) {
         switches().needsMediaCheck = true;
     }
 
@@ -77,8 +78,9 @@ public:
 protected:
     ChecksumPass() {
         root_ = fs::temp_directory_path() /
-                ("libdrive-checksum-" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-                 "-" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+                ("libdrive-checksum-" +
+                 std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "-" +
+                 ::testing::UnitTest::GetInstance()->current_test_info()->name());
         fs::remove_all(root_);
         fs::create_directories(root_);
         device_.setText(L"DriverName", kiv::String(L"\\\\.\\") + kiv::String(root_.wstring()));
@@ -89,13 +91,14 @@ protected:
     }
 
     void clear() {
-        for (const fs::directory_entry& entry : fs::directory_iterator(root_)) fs::remove_all(entry.path());
+        for (const fs::directory_entry& entry : fs::directory_iterator(root_))
+            fs::remove_all(entry.path());
         host.clear();
     }
 
     static kivrlibdrive::CChecksumTest::ChecksumParameters parameters(const std::string& expected,
-                                                                       uint32_t maxPrompts = 1,
-                                                                       bool failIfNotFound = false) {
+                                                                      uint32_t maxPrompts = 1,
+                                                                      bool failIfNotFound = false) {
         kivrlibdrive::CChecksumTest::ChecksumParameters p;
         p.checksumFileName = L"CHECKSUM.BIN";
         p.fallbackFileName = L"FALLBACK.BIN";
@@ -186,7 +189,9 @@ TEST_F(ChecksumPass, TheMediumIsAskedForUntilAFileIsFound) {
         t.write("CHECKSUM.BIN", checksumFile("data"));
         t.write("FALLBACK.BIN", fallback);
     };
-    const auto onlyFallback = [&fallback](ChecksumPass& t, MediumDrive&) { t.write("FALLBACK.BIN", fallback); };
+    const auto onlyFallback = [&fallback](ChecksumPass& t, MediumDrive&) {
+        t.write("FALLBACK.BIN", fallback);
+    };
     const auto nothing = [](ChecksumPass&, MediumDrive&) {};
     const auto answers = [](std::vector<TestResult> a) {
         return [a](ChecksumPass&, MediumDrive& d) { d.answers = a; };
@@ -221,7 +226,8 @@ TEST_F(ChecksumPass, TheMediumIsAskedForUntilAFileIsFound) {
         clear();
         MediumDrive drive(device_);
         c.arrange(*this, drive);
-        kivrlibdrive::CChecksumTest test(drive, parameters(c.expected, c.maxPrompts, c.failIfNotFound));
+        kivrlibdrive::CChecksumTest test(drive,
+                                         parameters(c.expected, c.maxPrompts, c.failIfNotFound));
 
         EXPECT_EQ(test.Run(), c.result);
 
@@ -246,7 +252,8 @@ TEST_F(ChecksumPass, TheMissingMediumEventNamesTheMedium) {
     EXPECT_EQ(testsupport::utf8(events[0].get("MediaName1").valueString()), "Test CD");
     EXPECT_EQ(testsupport::utf8(events[0].get("MediaName2").valueString()),
               "TEST_MEDIA{MediaName=Test CD}");
-    EXPECT_TRUE(wasLogged("libDrive.ChecksumTest", 4, "140 Checksum file not found on inserted media."));
+    EXPECT_TRUE(
+        wasLogged("libDrive.ChecksumTest", 4, "140 Checksum file not found on inserted media."));
 }
 
 TEST_F(ChecksumPass, AStopWhileReadingEndsTheTest) {

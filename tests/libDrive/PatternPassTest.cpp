@@ -47,15 +47,8 @@ protected:
         kivrlibdrive::CPatternTest test(drive);
         return test.Run();
     }
-    // Every event as "KEY:line"; events the drive raises itself as "KEY".
     std::vector<std::string> eventLines() const {
-        std::vector<std::string> lines;
-        for (const testsupport::EventReport& event : host.events()) {
-            lines.push_back(event.source == "libDrive/PatternTest"
-                                ? event.key + ":" + std::to_string(event.line)
-                                : event.key);
-        }
-        return lines;
+        return drivetests::eventLines(host, "libDrive/PatternTest");
     }
 
     quel5::DiagDevice device{L"sim:pattern"};
@@ -118,9 +111,9 @@ struct FaultCase {
 
 TEST_F(PatternPass, FailuresAreCountedAcrossSectorsUpToTheLimit) {
     // Sectors 1 to 3, two patterns, data kept unless said otherwise.
-    const Parameters base = {{"StartRange", "1"},       {"EndRange", "4"},
-                             {"NumberOfSeeks", "3"},    {"NumberOfPatterns", "2"},
-                             {"PreserveData", "true"},  {"MaxErrors", "10"}};
+    const Parameters base = {{"StartRange", "1"},      {"EndRange", "4"},
+                             {"NumberOfSeeks", "3"},   {"NumberOfPatterns", "2"},
+                             {"PreserveData", "true"}, {"MaxErrors", "10"}};
     const auto with = [&base](Parameters more) {
         Parameters all = base;
         all.insert(all.end(), more.begin(), more.end());
@@ -205,7 +198,8 @@ TEST_F(PatternPass, EventsNameTheSectorTheLimitAndTheTest) {
 
     const auto restore = host.eventsWithKey("UNABLE_TO_RESTORE_SECTOR");
     ASSERT_EQ(restore.size(), 1u);
-    EXPECT_EQ(restore[0].names(), (std::vector<std::string>{"TestName", "TestSector", "EndSector"}));
+    EXPECT_EQ(restore[0].names(),
+              (std::vector<std::string>{"TestName", "TestSector", "EndSector"}));
     EXPECT_EQ(testsupport::utf8(restore[0].get("TestName").valueString()), "PATTERN_TEST");
     EXPECT_EQ(restore[0].get("TestSector").valueUint64(), 5u);
     EXPECT_EQ(restore[0].get("EndSector").valueUint64(), 9u);
@@ -248,7 +242,8 @@ TEST_F(PatternPass, AStopWritesTheSavedSectorBack) {
                 {"NumberOfPatterns", "3"},
                 {"PreserveData", c.preserve ? "true" : "false"}});
         WriteRecordingDrive drive(device, driveOf(10));
-        if (c.restoreFails) drive.refuseWrite = [](uint64_t, const std::string& f) { return f == "data"; };
+        if (c.restoreFails)
+            drive.refuseWrite = [](uint64_t, const std::string& f) { return f == "data"; };
         const std::vector<unsigned char> before = drive.contents(0, 10);
         host.stopAfterPolls(c.pollsBeforeStop);
 
@@ -281,8 +276,10 @@ TEST_F(PatternPass, DataIsLeftAsFoundOnlyWhenPreserved) {
         EXPECT_TRUE(drive.callsStartingWith("write 0 ").empty()) << "sector 0 is never written";
         for (uint64_t sector = 0; sector < 64; ++sector) {
             const auto first = static_cast<std::ptrdiff_t>(sector * 4096);
-            const std::vector<unsigned char> now(after.begin() + first, after.begin() + first + 4096);
-            const std::vector<unsigned char> was(before.begin() + first, before.begin() + first + 4096);
+            const std::vector<unsigned char> now(after.begin() + first,
+                                                 after.begin() + first + 4096);
+            const std::vector<unsigned char> was(before.begin() + first,
+                                                 before.begin() + first + 4096);
             // Tested: 1, 3, ... 39 (sector 0 became 1 and the walk went on from there).
             const bool tested = sector % 2 == 1 && sector < 40;
             if (preserve || !tested) {
@@ -310,7 +307,10 @@ TEST_F(PatternPass, AFailedRunMayBeRepeatedAndAsksForQualifiedMedia) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        setAll({{"StartRange", "1"}, {"EndRange", "3"}, {"NumberOfSeeks", "2"}, {"NumberOfPatterns", "1"}});
+        setAll({{"StartRange", "1"},
+                {"EndRange", "3"},
+                {"NumberOfSeeks", "2"},
+                {"NumberOfPatterns", "1"}});
         WriteRecordingDrive drive(device, driveOf(10));
         if (c.fails) drive.injectFault(2, sim::SectorFault::WriteFails);
         drive.switches().rerunAllowed = c.rerun;
