@@ -21,22 +21,10 @@ using drivetests::driveOf;
 using drivetests::ScriptedDrive;
 using quel5::TestResult;
 
-using Parameters = std::vector<std::pair<const char*, const char*>>;
+using drivetests::Parameters;
 
-class FunnelSeek : public drivetests::DriveTestFixture {
+class FunnelSeek : public drivetests::ReadOnlyFixture<kivrlibdrive::CFunnelSeekTest> {
 protected:
-    void reset(const Parameters& parameters) {
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        host.neverStop();
-        clearLog();
-        for (const auto& [key, text] : parameters) set(key, text);
-    }
-    TestResult run(kivrlibdrive::Drive& drive) {
-        kivrlibdrive::CFunnelSeekTest test(drive);
-        return test.Run();
-    }
-
     quel5::DiagDevice device{L"sim:funnel"};
 };
 
@@ -137,21 +125,11 @@ TEST_F(FunnelSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
         ScriptedDrive drive(device, driveOf(100, c.bytesPerSector));
         c.arrange(drive);
 
-        if (c.range) {
-            drivetests::WithDirectRange<kivrlibdrive::CFunnelSeekTest> test(drive, *c.range);
-            EXPECT_EQ(test.Run(), c.result);
-        } else {
-            EXPECT_EQ(run(drive), c.result);
-        }
+        EXPECT_EQ(run(drive, c.range), c.result);
 
         EXPECT_EQ(drive.counters().lockTray, c.passes);
         EXPECT_EQ(drive.counters().unlockTray, c.passes);
-        std::vector<std::string> events;
-        for (const auto& event : host.events()) {
-            if (event.source == "libDrive/FunnelSeekTest")
-                events.push_back(event.key + "@" + std::to_string(event.line));
-        }
-        EXPECT_EQ(events, c.events);
+        EXPECT_EQ(eventsFrom("libDrive/FunnelSeekTest"), c.events);
         if (!c.reads.empty()) {
             EXPECT_EQ(drive.readSectors(), c.reads);
         }
@@ -168,16 +146,16 @@ struct ErrorCase {
     TestResult result;
     std::size_t reads;
     std::vector<std::string> events;
-    const char* percent;  // "percent" of TEST_PASSED_WITH_ERRORS, when raised
+    const char* percent;  // "percent" of TEST_PASSED_WITH_ERRORS; "" when not raised
 };
 
 TEST_F(FunnelSeek, BothReadsOfAPairCountAgainstThePairs) {
     // Ten sectors, jump 1: ten pairs, twenty reads; sector 9 is read second and second to last.
     // clang-format off
     const ErrorCase cases[] = {
-        {"one bad sector read twice", {{"MaxErrors", "10"}}, {9}, TestResult::FAIL, 20, {}, nullptr},
-        {"stop on the high read", {{"MaxErrors", "2"}}, {9, 8}, TestResult::FAIL, 4, {"MAX_ERRORS_EXCEEDED"}, nullptr},
-        {"stop on the low read", {{"MaxErrors", "3"}}, {0, 9, 1}, TestResult::FAIL, 3, {"MAX_ERRORS_EXCEEDED"}, nullptr},
+        {"one bad sector read twice", {{"MaxErrors", "10"}}, {9}, TestResult::FAIL, 20, {}, ""},
+        {"stop on the high read", {{"MaxErrors", "2"}}, {9, 8}, TestResult::FAIL, 4, {"MAX_ERRORS_EXCEEDED"}, ""},
+        {"stop on the low read", {{"MaxErrors", "3"}}, {0, 9, 1}, TestResult::FAIL, 3, {"MAX_ERRORS_EXCEEDED"}, ""},
         {"under the threshold", {{"MaxErrors", "10"}, {"MinErrorPercentage", "25"}}, {4}, TestResult::PASS, 20, {"TEST_PASSED_WITH_ERRORS"}, "20.00"},
         {"more errors than pairs", {{"MaxErrors", "0"}, {"MinErrorPercentage", "50"}}, funnel(0, 10, 1), TestResult::PASS, 20, {"TEST_PASSED_WITH_ERRORS"}, "200.00"},
     };
@@ -194,10 +172,7 @@ TEST_F(FunnelSeek, BothReadsOfAPairCountAgainstThePairs) {
 
         EXPECT_EQ(drive.operations().size(), c.reads);
         EXPECT_EQ(host.eventKeys(), c.events);
-        if (c.percent != nullptr) {
-            const auto warning = host.eventsWithKey("TEST_PASSED_WITH_ERRORS").at(0);
-            EXPECT_EQ(warning.get(L"percent").toString().toUtf8(), c.percent);
-        }
+        EXPECT_EQ(passedWithErrorsPercent(), c.percent);
     }
 }
 

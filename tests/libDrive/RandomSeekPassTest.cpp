@@ -22,28 +22,12 @@ using drivetests::ScriptedDrive;
 using drivetests::SeedScript;
 using quel5::TestResult;
 
-using Parameters = std::vector<std::pair<const char*, const char*>>;
+using drivetests::Parameters;
 
 const std::vector<uint32_t> kSeeds = {7, 19, 2024, 31337, 5, 88, 1234567, 42, 99991, 3};
 
-class RandomSeek : public drivetests::DriveTestFixture {
+class RandomSeek : public drivetests::ReadOnlyFixture<kivrlibdrive::CRandomSeekTest> {
 protected:
-    void reset(const Parameters& parameters) {
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        host.neverStop();
-        clearLog();
-        for (const auto& [key, text] : parameters) set(key, text);
-    }
-    TestResult run(kivrlibdrive::Drive& drive) {
-        kivrlibdrive::CRandomSeekTest test(drive);
-        return test.Run();
-    }
-    TestResult runOn(kivrlibdrive::Drive& drive, const DirectRange& range) {
-        drivetests::WithDirectRange<kivrlibdrive::CRandomSeekTest> test(drive, range);
-        return test.Run();
-    }
-
     quel5::DiagDevice device{L"sim:random"};
 };
 
@@ -204,16 +188,11 @@ TEST_F(RandomSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
         ScriptedDrive drive(device, driveOf(100, c.bytesPerSector));
         c.arrange(drive);
 
-        EXPECT_EQ(c.range ? runOn(drive, *c.range) : run(drive), c.result);
+        EXPECT_EQ(run(drive, c.range), c.result);
 
         EXPECT_EQ(drive.counters().lockTray, c.passes);
         EXPECT_EQ(drive.counters().unlockTray, c.passes);
-        std::vector<std::string> events;
-        for (const auto& event : host.events()) {
-            if (event.source == "libDrive/RandomSeekTest")
-                events.push_back(event.key + "@" + std::to_string(event.line));
-        }
-        EXPECT_EQ(events, c.events);
+        EXPECT_EQ(eventsFrom("libDrive/RandomSeekTest"), c.events);
         EXPECT_EQ(drive.readSectors(), c.reads);
         const bool drawOutOfRange = std::count(c.events.begin(), c.events.end(),
                                                "TOTAL_SECTORS_GREATER_THAN_DIFFERENCE@234") == 1;
@@ -231,7 +210,7 @@ struct ErrorCase {
     TestResult result;
     std::size_t reads;
     std::vector<std::string> events;
-    const char* percent;  // "percent" of TEST_PASSED_WITH_ERRORS, when raised
+    const char* percent;  // "percent" of TEST_PASSED_WITH_ERRORS; "" when not raised
 };
 
 TEST_F(RandomSeek, ErrorsAreCountedAgainstTheNumberOfSeeks) {
@@ -241,11 +220,11 @@ TEST_F(RandomSeek, ErrorsAreCountedAgainstTheNumberOfSeeks) {
     const std::vector<uint64_t> firstTwo = {sectors[0], sectors[1]};
     // clang-format off
     const ErrorCase cases[] = {
-        {"no minimum: one error fails", {{"MaxErrors", "10"}}, {sectors[4]}, TestResult::FAIL, 10, {}, nullptr},
-        {"stop at MaxErrors", {{"MaxErrors", "3"}}, all, TestResult::FAIL, 3, {"MAX_ERRORS_EXCEEDED"}, nullptr},
-        {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, all, TestResult::FAIL, 10, {}, nullptr},
+        {"no minimum: one error fails", {{"MaxErrors", "10"}}, {sectors[4]}, TestResult::FAIL, 10, {}, ""},
+        {"stop at MaxErrors", {{"MaxErrors", "3"}}, all, TestResult::FAIL, 3, {"MAX_ERRORS_EXCEEDED"}, ""},
+        {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, all, TestResult::FAIL, 10, {}, ""},
         {"under the threshold", {{"MaxErrors", "10"}, {"MinErrorPercentage", "25"}}, firstTwo, TestResult::PASS, 10, {"TEST_PASSED_WITH_ERRORS"}, "20.00"},
-        {"stop once above the threshold", {{"MaxErrors", "2"}, {"MinErrorPercentage", "15"}}, all, TestResult::FAIL, 2, {"TEST_FAILED_THRESHOLD"}, nullptr},
+        {"stop once above the threshold", {{"MaxErrors", "2"}, {"MinErrorPercentage", "15"}}, all, TestResult::FAIL, 2, {"TEST_FAILED_THRESHOLD"}, ""},
     };
     // clang-format on
     for (const ErrorCase& c : cases) {
@@ -261,10 +240,7 @@ TEST_F(RandomSeek, ErrorsAreCountedAgainstTheNumberOfSeeks) {
 
         EXPECT_EQ(drive.operations().size(), c.reads);
         EXPECT_EQ(host.eventKeys(), c.events);
-        if (c.percent != nullptr) {
-            const auto warning = host.eventsWithKey("TEST_PASSED_WITH_ERRORS").at(0);
-            EXPECT_EQ(warning.get(L"percent").toString().toUtf8(), c.percent);
-        }
+        EXPECT_EQ(passedWithErrorsPercent(), c.percent);
     }
 }
 

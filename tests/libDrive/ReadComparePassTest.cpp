@@ -23,25 +23,14 @@ using drivetests::ScriptedDrive;
 using drivetests::stepsFrom;
 using quel5::TestResult;
 
-using Parameters = std::vector<std::pair<const char*, const char*>>;
+using drivetests::Parameters;
 
 // What a pass that counted no error returns: the working result an earlier pass left. Every
 // test below first leaves this one, by a pass stopped at its first poll.
 constexpr TestResult kCarried = TestResult::USERABORTED;
 
-class ReadCompare : public drivetests::DriveTestFixture {
+class ReadCompare : public drivetests::ReadOnlyFixture<kivrlibdrive::CLinearReadCompareTest> {
 protected:
-    void reset(const Parameters& parameters) {
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        host.neverStop();
-        clearLog();
-        for (const auto& [key, text] : parameters) set(key, text);
-    }
-    TestResult run(kivrlibdrive::Drive& drive) {
-        kivrlibdrive::CLinearReadCompareTest test(drive);
-        return test.Run();
-    }
     // Runs a stopped pass so that the next one starts from kCarried, and forgets what it
     // reported.
     void leaveCarriedResult() {
@@ -388,22 +377,12 @@ TEST_F(ReadCompare, EveryWayOutOfAPassUnlocksTheTrayOnce) {
         CallRecordingDrive drive(device, driveOf(100, c.bytesPerSector));
         c.arrange(drive);
 
-        if (c.range) {
-            drivetests::WithDirectRange<kivrlibdrive::CLinearReadCompareTest> test(drive, *c.range);
-            EXPECT_EQ(test.Run(), c.result);
-        } else {
-            EXPECT_EQ(run(drive), c.result);
-        }
+        EXPECT_EQ(run(drive, c.range), c.result);
 
         EXPECT_EQ(drive.counters().lockTray, c.passes);
         EXPECT_EQ(drive.counters().unlockTray, c.passes);
         EXPECT_TRUE(drive.operations().empty());
-        std::vector<std::string> events;
-        for (const auto& event : host.events()) {
-            if (event.source == "libDrive/LinearReadCompareTest")
-                events.push_back(event.key + "@" + std::to_string(event.line));
-        }
-        EXPECT_EQ(events, c.events);
+        EXPECT_EQ(eventsFrom("libDrive/LinearReadCompareTest"), c.events);
     }
 }
 

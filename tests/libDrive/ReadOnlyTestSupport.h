@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -74,6 +75,46 @@ public:
 
 private:
     std::map<uint64_t, unsigned> readsOf_;
+};
+
+using Parameters = std::vector<std::pair<const char*, const char*>>;
+
+// The fixture of the tests of the hard-drive test class `TestClass`.
+template <typename TestClass>
+class ReadOnlyFixture : public DriveTestFixture {
+protected:
+    // Forgets every parameter, report, stop script and log line, then sets `parameters`.
+    void reset(const Parameters& parameters) {
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        host.neverStop();
+        clearLog();
+        for (const auto& [key, text] : parameters) set(key, text);
+    }
+    // Runs a `TestClass` on `drive`: on the range of the parameters, or on `range` when given.
+    quel5::TestResult run(kivrlibdrive::Drive& drive,
+                          const std::optional<DirectRange>& range = std::nullopt) {
+        if (range) {
+            WithDirectRange<TestClass> test(drive, *range);
+            return test.Run();
+        }
+        TestClass test(drive);
+        return test.Run();
+    }
+    // "KEY@line" of every event raised from `source`, in order.
+    std::vector<std::string> eventsFrom(const std::string& source) const {
+        std::vector<std::string> found;
+        for (const auto& event : host.events()) {
+            if (event.source == source)
+                found.push_back(event.key + "@" + std::to_string(event.line));
+        }
+        return found;
+    }
+    // The "percent" of the first "TEST_PASSED_WITH_ERRORS", or "" when there was none.
+    std::string passedWithErrorsPercent() const {
+        const auto warnings = host.eventsWithKey("TEST_PASSED_WITH_ERRORS");
+        return warnings.empty() ? "" : warnings[0].get(L"percent").toString().toUtf8();
+    }
 };
 
 // The seeds the random seek test's engines get, in order; installed for the life of the object.

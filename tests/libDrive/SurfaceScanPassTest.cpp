@@ -24,7 +24,7 @@ using drivetests::driveOf;
 using drivetests::ScriptedDrive;
 using quel5::TestResult;
 
-using Parameters = std::vector<std::pair<const char*, const char*>>;
+using drivetests::Parameters;
 
 TEST(SurfaceScanStride, NeverBelowOneSector) {
     const uint64_t most = std::numeric_limits<uint64_t>::max();
@@ -62,20 +62,8 @@ TEST(SurfaceScanStride, NeverBelowOneSector) {
     }
 }
 
-class SurfaceScan : public drivetests::DriveTestFixture {
+class SurfaceScan : public drivetests::ReadOnlyFixture<kivrlibdrive::CSurfaceScanTest> {
 protected:
-    void reset(const Parameters& parameters) {
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        host.neverStop();
-        clearLog();
-        for (const auto& [key, text] : parameters) set(key, text);
-    }
-    TestResult run(kivrlibdrive::Drive& drive) {
-        kivrlibdrive::CSurfaceScanTest test(drive);
-        return test.Run();
-    }
-
     quel5::DiagDevice device{L"sim:scan"};
 };
 
@@ -217,21 +205,11 @@ TEST_F(SurfaceScan, EveryWayOutOfAPassUnlocksTheTrayOnce) {
         ScriptedDrive drive(device, config);
         c.arrange(drive);
 
-        if (c.range) {
-            drivetests::WithDirectRange<kivrlibdrive::CSurfaceScanTest> test(drive, *c.range);
-            EXPECT_EQ(test.Run(), c.result);
-        } else {
-            EXPECT_EQ(run(drive), c.result);
-        }
+        EXPECT_EQ(run(drive, c.range), c.result);
 
         EXPECT_EQ(drive.counters().lockTray, c.passes);
         EXPECT_EQ(drive.counters().unlockTray, c.passes);
-        std::vector<std::string> events;
-        for (const auto& event : host.events()) {
-            if (event.source == "libDrive/SurfaceScanTest")
-                events.push_back(event.key + "@" + std::to_string(event.line));
-        }
-        EXPECT_EQ(events, c.events);
+        EXPECT_EQ(eventsFrom("libDrive/SurfaceScanTest"), c.events);
         if (!c.reads.empty()) {
             EXPECT_EQ(drive.readSectors(), c.reads);
         }
@@ -249,18 +227,18 @@ struct ErrorCase {
     TestResult result;
     std::size_t reads;
     std::vector<std::string> events;
-    const char* percent;  // "percent" of TEST_PASSED_WITH_ERRORS, when raised
+    const char* percent;  // "percent" of TEST_PASSED_WITH_ERRORS; "" when not raised
 };
 
 TEST_F(SurfaceScan, EachFailedBlockIsOneErrorAgainstThePlannedBlocks) {
     // Blocks of 10 sectors over [0, 100): ten blocks.
     // clang-format off
     const ErrorCase cases[] = {
-        {"no minimum: one error fails", {{"MaxErrors", "10"}}, {55}, TestResult::FAIL, 10, {}, nullptr},
+        {"no minimum: one error fails", {{"MaxErrors", "10"}}, {55}, TestResult::FAIL, 10, {}, ""},
         {"two bad sectors in one block", {{"MaxErrors", "10"}, {"MinErrorPercentage", "15"}}, {51, 59}, TestResult::PASS, 10, {"TEST_PASSED_WITH_ERRORS"}, "10.00"},
-        {"stop at MaxErrors", {{"MaxErrors", "2"}}, {5, 15, 25}, TestResult::FAIL, 2, {"MAX_ERRORS_EXCEEDED"}, nullptr},
-        {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, {5, 15, 25, 35}, TestResult::FAIL, 10, {}, nullptr},
-        {"stop once above the threshold", {{"MaxErrors", "2"}, {"MinErrorPercentage", "15"}}, {5, 15, 25}, TestResult::FAIL, 2, {"TEST_FAILED_THRESHOLD"}, nullptr},
+        {"stop at MaxErrors", {{"MaxErrors", "2"}}, {5, 15, 25}, TestResult::FAIL, 2, {"MAX_ERRORS_EXCEEDED"}, ""},
+        {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, {5, 15, 25, 35}, TestResult::FAIL, 10, {}, ""},
+        {"stop once above the threshold", {{"MaxErrors", "2"}, {"MinErrorPercentage", "15"}}, {5, 15, 25}, TestResult::FAIL, 2, {"TEST_FAILED_THRESHOLD"}, ""},
         {"no block planned in full", {{"SectorPercentToTest", "5"}, {"MaxErrors", "0"}, {"MinErrorPercentage", "50"}}, {0}, TestResult::PASS, 1, {"TEST_PASSED_WITH_ERRORS"}, "100.00"},
     };
     // clang-format on
@@ -276,10 +254,7 @@ TEST_F(SurfaceScan, EachFailedBlockIsOneErrorAgainstThePlannedBlocks) {
 
         EXPECT_EQ(drive.operations().size(), c.reads);
         EXPECT_EQ(host.eventKeys(), c.events);
-        if (c.percent != nullptr) {
-            const auto warning = host.eventsWithKey("TEST_PASSED_WITH_ERRORS").at(0);
-            EXPECT_EQ(warning.get(L"percent").toString().toUtf8(), c.percent);
-        }
+        EXPECT_EQ(passedWithErrorsPercent(), c.percent);
     }
 }
 
