@@ -6,10 +6,13 @@ if(NOT TARGET blockdrive)
   else()
     set(BLOCKDRIVE_PLATFORM linux)
   endif()
+  find_package(Threads REQUIRED)
   add_library(blockdrive STATIC
     ${CMAKE_CURRENT_LIST_DIR}/BlockDeviceDrive.cpp
     ${CMAKE_CURRENT_LIST_DIR}/BlockDevice_${BLOCKDRIVE_PLATFORM}.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/ReadAhead.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/ReadPattern.cpp
   )
   target_include_directories(blockdrive PUBLIC ${PROJECT_SOURCE_DIR})
-  target_link_libraries(blockdrive PUBLIC libDrive os kiv quel5)
+  target_link_libraries(blockdrive PUBLIC libDrive os kiv quel5 Threads::Threads)
 endif()

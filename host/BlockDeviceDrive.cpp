@@ -15,6 +15,10 @@ constexpr uint32_t kPreferredTransferBytes = 1024 * 1024;
 // Direct I/O wants buffers aligned to the logical sector size; a page covers every usual one.
 constexpr size_t kMinimumAlignment = 4096;
 constexpr uint32_t kDefaultImageSectorSize = 512;
+// Reads kept in flight ahead of a sweep: enough to keep a disk's queue busy.
+constexpr unsigned kReadAheadDepth = 8;
+// Larger requests are not read ahead, which keeps memory at a few MiB.
+constexpr size_t kReadAheadLargestBlock = 4 * kPreferredTransferBytes;
 
 kiv::Logger* logger() {
     static kiv::Logger* slot = nullptr;
@@ -73,10 +77,25 @@ TestResult BlockDeviceDrive::OpenDevice() {
     }
     writeProtected_ = blockdevice::isWriteProtected(path_, kind_, opened.handle.native());
     reader_ = std::move(opened.handle);
+    startReadAhead();
     return TestResult::PASS;
 }
 
+void BlockDeviceDrive::startReadAhead() {
+    const os::NativeHandle handle = reader_.native();
+    readAhead_ = std::make_unique<ReadAhead>(
+        [handle](uint64_t offset, unsigned char* buffer, size_t bytes) {
+            return os::readAt(handle, offset, buffer, bytes);
+        },
+        totalSectors_ * bytesPerSector_, alignment_, kReadAheadDepth, kReadAheadLargestBlock);
+}
+
+ReadAheadCounters BlockDeviceDrive::readAheadCounters() const {
+    return readAhead_ == nullptr ? ReadAheadCounters{} : readAhead_->counters();
+}
+
 TestResult BlockDeviceDrive::CloseDevice() {
+    readAhead_.reset();
     writer_.close();
     reader_.close();
     return TestResult::PASS;
@@ -210,7 +229,13 @@ TestResult BlockDeviceDrive::transfer(Direction direction, uint64_t startSector,
                                       unsigned char* buffer) {
     const uint64_t offset = startSector * bytesPerSector_;
     const size_t bytes = size_t{count} * bytesPerSector_;
-    os::IoResult moved = move(direction, offset, buffer, bytes);
+    os::IoResult moved;
+    if (direction == Direction::Write) {
+        readAhead_->invalidate(offset, bytes);
+        moved = move(direction, offset, buffer, bytes);
+    } else if (!readAhead_->serve(offset, bytes, buffer, &moved)) {
+        moved = move(direction, offset, buffer, bytes);
+    }
     if (!moved.error.ok() && direct_ && kind_ == blockdevice::Kind::ImageFile &&
         blockdevice::isDirectTransferRefused(moved.error.code)) {
         logText(kiv::LogPriority::Notice,
@@ -277,8 +302,11 @@ bool BlockDeviceDrive::reopenCached() {
         }
         writer_ = std::move(writer.handle);
     }
+    // Its reads go through the handle about to close.
+    readAhead_.reset();
     reader_ = std::move(reader.handle);
     direct_ = false;
+    startReadAhead();
     return true;
 }
 

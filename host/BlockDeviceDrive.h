@@ -9,6 +9,11 @@
 // FILE_FLAG_NO_BUFFERING); a caller's buffer that is not suitably aligned goes through an
 // aligned bounce buffer. Files on filesystems without direct I/O are read through the cache.
 //
+// Reads that walk upward (one after the other, or a constant stride apart) are read ahead on
+// worker threads, several at a time (see host/ReadAhead.h): each read still answers with its
+// own result, failures included, in the order it is asked. Writes drop what was read ahead of
+// the sectors they cover. Other reads are not read ahead.
+//
 // Results of reads and writes: PASS; FAIL for a request outside the device or not fitting its
 // buffer (the device and the buffer are left untouched) and for sectors the device cannot
 // transfer; INTERNALERROR when the device is not open or has gone away; DEVICEBUSY for a write
@@ -24,6 +29,7 @@
 
 #include "host/BlockDevice.h"
 #include "host/BlockDeviceBuffer.h"
+#include "host/ReadAhead.h"
 #include "libDrive/Drive.h"
 
 namespace host {
@@ -77,6 +83,8 @@ public:
     bool usesDirectIo() const { return direct_; }
     // Why the last failing operation failed, for a person (UTF-8).
     const std::string& lastError() const { return lastError_; }
+    // What read-ahead did since the device was last opened (or reopened without direct I/O).
+    ReadAheadCounters readAheadCounters() const;
 
 private:
     enum class Direction { Read, Write };
@@ -91,6 +99,8 @@ private:
     os::IoResult move(Direction direction, uint64_t offset, unsigned char* buffer, size_t bytes);
     // Reopens every handle without direct I/O. False when the device cannot be reopened.
     bool reopenCached();
+    // Read-ahead over the current read handle. REQUIRES: reader_ is open.
+    void startReadAhead();
     quel5::TestResult failed(const std::string& why, quel5::TestResult result);
     uint32_t imageSectorSize() const;
 
@@ -107,6 +117,8 @@ private:
     AlignedBuffer bounce_;
     AlignedBuffer scratch_;
     std::string lastError_;
+    // Last, so that its reads in flight end before the handles close.
+    std::unique_ptr<ReadAhead> readAhead_;
 };
 
 // Opens the device named by `device`'s OS locator as a BlockDeviceDrive. nullptr when it cannot

@@ -1,0 +1,192 @@
+// The block-device drive reading ahead over image files: sweeps get the right data block after
+// block, an image cut short under the drive fails exactly the blocks past its new end and in
+// order, other reads are not read ahead, and writes under lock are seen by the sweep after them.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "blockdrive/ImageFile.h"
+#include "host/BlockDeviceDrive.h"
+#include "support/RecordingHost.h"
+
+namespace {
+
+using blockdrivetest::imageBytes;
+using blockdrivetest::ImageFile;
+using quel5::TestResult;
+
+constexpr uint64_t kMiB = 1024 * 1024;
+constexpr uint32_t kSector = 512;
+constexpr bool kImageLockBesideOpenHandles = IMAGE_LOCK_BESIDE_OPEN_HANDLES != 0;
+
+struct BlockRead {
+    uint64_t sector;
+    uint32_t count;
+    TestResult result;
+    bool dataRight;  // for PASS: the image's bytes at those sectors
+};
+
+// Reads `count` sectors every `stride` sectors from `start` to `end` (the last block cut at
+// `end`) into one buffer, as the surface scan does.
+std::vector<BlockRead> sweep(host::BlockDeviceDrive& drive, uint64_t start, uint64_t end,
+                             uint64_t stride, uint32_t count) {
+    std::vector<BlockRead> reads;
+    auto buffer = std::make_unique<unsigned char[]>(size_t{count} * kSector);
+    for (uint64_t sector = start; sector < end; sector += stride) {
+        const auto sectors = static_cast<uint32_t>(std::min<uint64_t>(count, end - sector));
+        const TestResult result =
+            drive.ReadSectors(sector, sectors, buffer.get(), sectors * kSector);
+        const std::vector<uint8_t> expected = imageBytes(sector * kSector, sectors * kSector);
+        reads.push_back({sector, sectors, result,
+                         std::equal(expected.begin(), expected.end(), buffer.get())});
+    }
+    return reads;
+}
+
+class ImageFileReadAheadTest : public ::testing::Test {
+protected:
+    std::unique_ptr<host::BlockDeviceDrive> open(const ImageFile& image) {
+        device_ = std::make_unique<quel5::DiagDevice>(QuelString(image.pathText().c_str()));
+        auto drive = std::make_unique<host::BlockDeviceDrive>(*device_);
+        EXPECT_EQ(drive->OpenDevice(), TestResult::PASS) << drive->lastError();
+        return drive;
+    }
+
+    testsupport::RecordingHost host_;
+    testsupport::ScopedHost installed_{host_};
+    std::unique_ptr<quel5::DiagDevice> device_;
+};
+
+TEST_F(ImageFileReadAheadTest, SweepsReadTheRightDataAheadOfEveryBlock) {
+    struct Case {
+        const char* name;
+        uint64_t imageBytes;
+        uint64_t start;
+        uint64_t end;  // 0: the end of the image
+        uint64_t stride;
+        uint32_t count;
+        uint64_t unserved;  // blocks read before the stream shows
+    };
+    const Case cases[] = {
+        {"the drive's own read amount, whole image", 12 * kMiB, 0, 0, 2048, 2048, 2},
+        {"small blocks, whole image", 4 * kMiB, 0, 0, 64, 64, 2},
+        {"a stride of four blocks", 4 * kMiB, 0, 0, 256, 64, 3},
+        {"a last block cut short", 4 * kMiB + 7 * kSector, 0, 0, 64, 64, 2},
+        {"a range inside the image", 4 * kMiB, 1000, 5000, 96, 96, 2},
+        {"overlapping blocks", 2 * kMiB, 0, 0, 40, 64, 3},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ImageFile image("sweep", c.imageBytes);
+        auto drive = open(image);
+        const uint64_t end = c.end == 0 ? drive->GetTotalSectors() : c.end;
+        const std::vector<BlockRead> reads = sweep(*drive, c.start, end, c.stride, c.count);
+        for (const BlockRead& read : reads) {
+            EXPECT_EQ(read.result, TestResult::PASS) << "sector " << read.sector;
+            EXPECT_TRUE(read.dataRight) << "sector " << read.sector;
+        }
+        EXPECT_EQ(drive->readAheadCounters().served, reads.size() - c.unserved);
+        drive->CloseDevice();
+    }
+}
+
+TEST_F(ImageFileReadAheadTest, ImageCutShortFailsTheBlocksPastItsEndInOrder) {
+    struct Case {
+        const char* name;
+        uint64_t newSize;
+    };
+    const Case cases[] = {
+        {"at a block boundary", 40 * 64 * kSector},
+        {"within a block", 40 * 64 * kSector + 3 * kSector},
+        {"within a sector", 40 * 64 * kSector + 100},
+        {"to nothing", 0},
+        {"one sector short", 4 * kMiB - kSector},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ImageFile image("cut", 4 * kMiB);
+        auto drive = open(image);
+        std::filesystem::resize_file(image.path(), c.newSize);
+        const std::vector<BlockRead> reads =
+            sweep(*drive, 0, drive->GetTotalSectors(), 64, 64);
+        ASSERT_EQ(reads.size(), 128u);
+        for (const BlockRead& read : reads) {
+            const bool whole = (read.sector + read.count) * kSector <= c.newSize;
+            EXPECT_EQ(read.result, whole ? TestResult::PASS : TestResult::FAIL)
+                << "sector " << read.sector;
+            if (whole) {
+                EXPECT_TRUE(read.dataRight) << "sector " << read.sector;
+            }
+        }
+        EXPECT_GT(drive->readAheadCounters().served, 100u);
+        drive->CloseDevice();
+    }
+}
+
+TEST_F(ImageFileReadAheadTest, ReadsOffAStreamAreNotReadAhead) {
+    struct Case {
+        const char* name;
+        std::vector<uint64_t> sectors;  // 8 sectors read at each
+    };
+    const Case cases[] = {
+        {"random", {4000, 17, 7000, 96, 2500, 8100, 3, 6666, 1234}},
+        {"downward", {8000, 7992, 7984, 7976, 7968, 7960}},
+        {"growing gaps", {0, 16, 40, 72, 112, 160, 216}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ImageFile image("random", 4 * kMiB + kSector);
+        auto drive = open(image);
+        std::vector<unsigned char> buffer(8 * kSector);
+        for (uint64_t sector : c.sectors) {
+            ASSERT_EQ(drive->ReadSectors(sector, 8, buffer.data(), 8 * kSector), TestResult::PASS);
+            EXPECT_EQ(buffer, imageBytes(sector * kSector, 8 * kSector)) << "sector " << sector;
+        }
+        drive->CloseDevice();
+        EXPECT_EQ(drive->readAheadCounters().started, 0u);
+    }
+}
+
+TEST_F(ImageFileReadAheadTest, WritesUnderLockAreSeenByTheSweepAfterThem) {
+    if (!kImageLockBesideOpenHandles) {
+        GTEST_SKIP() << "image files cannot be locked while open on this system";
+    }
+    struct Case {
+        const char* name;
+        uint64_t sector;  // written, 8 sectors of 0xA5, after blocks 0..3 of 64 sectors are read
+    };
+    const Case cases[] = {
+        {"the next block", 4 * 64},
+        {"a later block's last sectors", 9 * 64 - 8},
+        {"across two blocks", 6 * 64 - 4},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ImageFile image("write", 2 * kMiB);
+        auto drive = open(image);
+        sweep(*drive, 0, 4 * 64, 64, 64);
+        ASSERT_EQ(drive->lock(), TestResult::PASS);
+        const std::vector<uint8_t> written(8 * kSector, 0xA5);
+        ASSERT_EQ(drive->WriteSectors(c.sector, 8, written.data(), 8 * kSector), TestResult::PASS)
+            << drive->lastError();
+        std::vector<uint8_t> expected = imageBytes(0, 2 * kMiB);
+        std::copy(written.begin(), written.end(), expected.begin() + c.sector * kSector);
+        std::vector<uint8_t> block(64 * kSector);
+        for (uint64_t sector = 4 * 64; sector < drive->GetTotalSectors(); sector += 64) {
+            ASSERT_EQ(drive->ReadSectors(sector, 64, block.data(), 64 * kSector),
+                      TestResult::PASS);
+            EXPECT_TRUE(std::equal(block.begin(), block.end(),
+                                   expected.begin() + sector * kSector))
+                << "sector " << sector;
+        }
+        drive->unLock();
+        drive->CloseDevice();
+    }
+}
+
+}  // namespace
