@@ -1,7 +1,7 @@
 // What the tests of the random seek, funnel seek, surface scan and read/compare tests share on
 // top of DriveTestSupport.h: a test whose range is set directly (to reach the guards that the
-// range parameters never produce), a drive whose reads can answer scripted results or stall the
-// clock, and a script of seeds for the random seek test.
+// range parameters never produce), a drive whose reads can answer scripted results, and a script
+// of seeds for the random seek test.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "DriveTestSupport.h"
-#include "os/Clock.h"
 #include "quel5/TestResult.h"
 
 namespace drivetests {
@@ -49,22 +48,16 @@ private:
 };
 
 // A call-recording drive whose reads can answer chosen results: the n-th read (from 1) of a
-// sector answers `scripted[{sector, n}]` without touching the buffer. With `stallEveryRead` each
-// read first lets more than 2^32 ms pass on the clock.
+// sector answers `scripted[{sector, n}]` without touching the buffer.
 class ScriptedDrive : public CallRecordingDrive {
 public:
     using CallRecordingDrive::CallRecordingDrive;
 
     std::map<std::pair<uint64_t, unsigned>, quel5::TestResult> scripted;
-    bool stallEveryRead = false;
 
     quel5::TestResult ReadSectors(const uint64_t& startSector, unsigned int count, void* buffer,
                                   unsigned int bufferSize) override {
         const unsigned nth = ++readsOf_[startSector];
-        if (stallEveryRead) {
-            os::sleepMilliseconds(0xFFFFFFFFu);
-            os::sleepMilliseconds(2);
-        }
         const auto answer = scripted.find({startSector, nth});
         if (answer != scripted.end()) {
             calls.push_back("read " + std::to_string(startSector));
