@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "blockdrive/ImageFile.h"
+#include "host/ReadAhead.h"
 #include "host/BlockDeviceDrive.h"
 #include "support/RecordingHost.h"
 
@@ -149,6 +150,100 @@ TEST_F(LoopDeviceDriveTest, SectorsLostWhenTheDeviceShrinksFailWithoutEndingTheT
     }
     EXPECT_EQ(drive.VerifySectors(0, 2048), TestResult::PASS);
     EXPECT_EQ(drive.VerifySectors(8000, 400), TestResult::FAIL);
+}
+
+// Reads `count` sectors of `bytesPerSector` every `count` sectors from `start` to `end`, the way
+// the surface scan does; each block's result, and whether a passed block held the image's bytes.
+struct SweptBlock {
+    uint64_t sector;
+    TestResult result;
+    bool dataRight;
+};
+std::vector<SweptBlock> sweep(host::BlockDeviceDrive& drive, uint64_t start, uint64_t end,
+                              uint32_t count, uint32_t bytesPerSector) {
+    std::vector<SweptBlock> blocks;
+    std::vector<uint8_t> buffer(size_t{count} * bytesPerSector);
+    for (uint64_t sector = start; sector < end; sector += count) {
+        const TestResult result =
+            drive.ReadSectors(sector, count, buffer.data(), static_cast<unsigned>(buffer.size()));
+        blocks.push_back({sector, result,
+                          buffer == imageBytes(sector * bytesPerSector, buffer.size())});
+    }
+    return blocks;
+}
+
+TEST_F(LoopDeviceDriveTest, SweepsReadAheadTheKernelDevicesData) {
+    struct Case {
+        const char* options;
+        uint32_t bytesPerSector;
+        uint32_t count;  // sectors per block
+    };
+    const Case cases[] = {
+        {"--direct-io=on", 512, 2048},
+        {"--direct-io=on", 512, 24},
+        {"--direct-io=on --sector-size 4096", 4096, 256},
+        {"--direct-io=off", 512, 128},
+    };
+    ImageFile image("loopsweep", kImageBytes);
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.options << ", blocks of " << c.count);
+        LoopDevice loop(image, c.options);
+        ASSERT_FALSE(loop.path().empty()) << "losetup " << c.options;
+        quel5::DiagDevice device(QuelString(loop.path().c_str()));
+        host::BlockDeviceDrive drive(device);
+        ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
+        const uint64_t total = drive.GetTotalSectors();
+        const std::vector<SweptBlock> blocks =
+            sweep(drive, 0, total / c.count * c.count, c.count, c.bytesPerSector);
+        for (const SweptBlock& block : blocks) {
+            EXPECT_EQ(block.result, TestResult::PASS) << "sector " << block.sector;
+            EXPECT_TRUE(block.dataRight) << "sector " << block.sector;
+        }
+        const host::ReadAheadCounters counters = drive.readAheadCounters();
+        EXPECT_EQ(counters.served, blocks.size() - 2);
+        EXPECT_EQ(counters.discarded, 0u);
+    }
+}
+
+TEST_F(LoopDeviceDriveTest, DeviceShrunkDuringASweepFailsTheLostBlocksInOrder) {
+    struct Case {
+        const char* name;
+        uint64_t newBytes;
+    };
+    // The sweep has read 4 blocks of 64 KiB when the device shrinks: read-ahead then reaches
+    // at most 12 blocks in, short of every new end below.
+    const Case cases[] = {
+        {"to half", kImageBytes / 2},
+        {"within a block", kImageBytes / 2 + 5 * 512},
+        {"to a little over 1 MiB", 1024 * 1024 + 512},
+        {"by one sector", kImageBytes - 512},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ImageFile image("loopcut", kImageBytes);
+        LoopDevice loop(image, "--direct-io=on");
+        ASSERT_FALSE(loop.path().empty());
+        quel5::DiagDevice device(QuelString(loop.path().c_str()));
+        host::BlockDeviceDrive drive(device);
+        ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
+        constexpr uint32_t kCount = 128;
+        std::vector<SweptBlock> blocks = sweep(drive, 0, 4 * kCount, kCount, 512);
+        std::filesystem::resize_file(image.path(), c.newBytes);
+        ASSERT_EQ(run("losetup -c " + loop.path() + " && echo ok"), "ok");
+        const std::vector<SweptBlock> rest =
+            sweep(drive, 4 * kCount, drive.GetTotalSectors(), kCount, 512);
+        blocks.insert(blocks.end(), rest.begin(), rest.end());
+        ASSERT_EQ(blocks.size(), kImageBytes / (kCount * 512));
+        for (const SweptBlock& block : blocks) {
+            const bool kept = (block.sector + kCount) * 512 <= c.newBytes;
+            EXPECT_EQ(block.result, kept ? TestResult::PASS : TestResult::FAIL)
+                << "sector " << block.sector << ": " << drive.lastError();
+            if (kept) {
+                EXPECT_TRUE(block.dataRight) << "sector " << block.sector;
+            }
+        }
+        EXPECT_GT(drive.readAheadCounters().served, blocks.size() / 2);
+    }
 }
 
 }  // namespace
