@@ -21,7 +21,7 @@ ReadAhead::~ReadAhead() {
         const std::lock_guard<std::mutex> lock(mutex_);
         stopping_ = true;
     }
-    changed_.notify_all();
+    queued_.notify_all();
     for (std::thread& worker : workers_) {
         worker.join();
     }
@@ -43,11 +43,10 @@ bool ReadAhead::serve(uint64_t offset, size_t bytes, unsigned char* destination,
     if (holder == nullptr) {
         return false;
     }
-    changed_.wait(lock, [holder] { return holder->state == State::Done; });
+    finished_.wait(lock, [holder] { return holder->state == State::Done; });
     const os::IoResult& read = holder->result;
     const bool exact = holder->offset == offset && holder->bytes == bytes;
-    const bool holdsAll =
-        read.error.ok() && offset + bytes <= holder->offset + read.bytes;
+    const bool holdsAll = read.error.ok() && offset + bytes <= holder->offset + read.bytes;
     if (!exact && !holdsAll) {
         // The failure may lie outside the request: let the caller find out for itself.
         discard(*holder);
@@ -81,7 +80,7 @@ void ReadAhead::drain() {
             discard(block);
         }
     }
-    changed_.wait(lock, [this] {
+    finished_.wait(lock, [this] {
         return std::all_of(blocks_.begin(), blocks_.end(),
                            [](const Block& block) { return block.state == State::Free; });
     });
@@ -118,8 +117,8 @@ void ReadAhead::forEachPredicted(Visit visit) const {
     uint64_t offset = pattern_.lastOffset();
     for (unsigned k = 0; k < depth_ && offset < limit_ && limit_ - offset > stride; ++k) {
         offset += stride;
-        visit(offset, static_cast<size_t>(
-                          std::min<uint64_t>(pattern_.predictedBytes(), limit_ - offset)));
+        visit(offset,
+              static_cast<size_t>(std::min<uint64_t>(pattern_.predictedBytes(), limit_ - offset)));
     }
 }
 
@@ -144,7 +143,7 @@ void ReadAhead::discard(Block& block) {
 }
 
 void ReadAhead::queueAhead() {
-    bool queued = false;
+    size_t queued = 0;
     bool full = false;
     forEachPredicted([&](uint64_t offset, size_t bytes) {
         if (full || isQueuedOrHeld(offset, bytes)) {
@@ -161,11 +160,14 @@ void ReadAhead::queueAhead() {
         block->result = os::IoResult{};
         block->state = State::Queued;
         queue_.push_back(block);
-        queued = true;
+        ++queued;
     });
-    if (queued) {
+    if (queued != 0) {
         startWorkers();
-        changed_.notify_all();
+    }
+    // One worker per block: waking them all would only have the rest go back to sleep.
+    for (; queued != 0; --queued) {
+        queued_.notify_one();
     }
 }
 
@@ -194,7 +196,7 @@ void ReadAhead::startWorkers() {
 void ReadAhead::work() {
     std::unique_lock<std::mutex> lock(mutex_);
     for (;;) {
-        changed_.wait(lock, [this] { return stopping_ || !queue_.empty(); });
+        queued_.wait(lock, [this] { return stopping_ || !queue_.empty(); });
         if (stopping_) {
             return;
         }
@@ -215,7 +217,7 @@ void ReadAhead::work() {
             block->result = std::move(read);
             block->state = State::Done;
         }
-        changed_.notify_all();
+        finished_.notify_all();
     }
 }
 

@@ -43,8 +43,8 @@ class ReadAhead {
 public:
     // Reads `bytes` bytes at byte `offset` into `buffer` (aligned as asked at construction);
     // the result as os::readAt gives it. Called on worker threads; must not throw.
-    using Reader = std::function<os::IoResult(uint64_t offset, unsigned char* buffer,
-                                              size_t bytes)>;
+    using Reader =
+        std::function<os::IoResult(uint64_t offset, unsigned char* buffer, size_t bytes)>;
 
     // Reads nothing beyond byte `limit`. `alignment` is a power of two; `depth` >= 1.
     // Starts no thread until a stream is seen.
@@ -109,7 +109,8 @@ private:
     std::deque<Block*> queue_;  // oldest (nearest) first
     std::vector<std::thread> workers_;
     mutable std::mutex mutex_;
-    std::condition_variable changed_;
+    std::condition_variable queued_;    // workers wait here for blocks to read
+    std::condition_variable finished_;  // the caller waits here for reads to end
     bool stopping_ = false;
     ReadAheadCounters counters_;
 };

@@ -18,8 +18,7 @@ void FakeDevice::overwrite(uint64_t offset, size_t bytes, uint8_t value) {
     }
 }
 
-os::IoResult FakeDevice::expected(uint64_t offset, size_t bytes,
-                                  std::vector<uint8_t>* data) const {
+os::IoResult FakeDevice::expected(uint64_t offset, size_t bytes, std::vector<uint8_t>* data) const {
     const std::lock_guard<std::mutex> lock(mutex_);
     const auto failure = failures_.lower_bound(offset);
     if (failure != failures_.end() && failure->first < offset + bytes) {

@@ -42,8 +42,8 @@ std::vector<BlockRead> sweep(host::BlockDeviceDrive& drive, uint64_t start, uint
         const TestResult result =
             drive.ReadSectors(sector, sectors, buffer.get(), sectors * kSector);
         const std::vector<uint8_t> expected = imageBytes(sector * kSector, sectors * kSector);
-        reads.push_back({sector, sectors, result,
-                         std::equal(expected.begin(), expected.end(), buffer.get())});
+        reads.push_back(
+            {sector, sectors, result, std::equal(expected.begin(), expected.end(), buffer.get())});
     }
     return reads;
 }
@@ -112,8 +112,7 @@ TEST_F(ImageFileReadAheadTest, ImageCutShortFailsTheBlocksPastItsEndInOrder) {
         ImageFile image("cut", 4 * kMiB);
         auto drive = open(image);
         std::filesystem::resize_file(image.path(), c.newSize);
-        const std::vector<BlockRead> reads =
-            sweep(*drive, 0, drive->GetTotalSectors(), 64, 64);
+        const std::vector<BlockRead> reads = sweep(*drive, 0, drive->GetTotalSectors(), 64, 64);
         ASSERT_EQ(reads.size(), 128u);
         for (const BlockRead& read : reads) {
             const bool whole = (read.sector + read.count) * kSector <= c.newSize;
@@ -178,10 +177,8 @@ TEST_F(ImageFileReadAheadTest, WritesUnderLockAreSeenByTheSweepAfterThem) {
         std::copy(written.begin(), written.end(), expected.begin() + c.sector * kSector);
         std::vector<uint8_t> block(64 * kSector);
         for (uint64_t sector = 4 * 64; sector < drive->GetTotalSectors(); sector += 64) {
-            ASSERT_EQ(drive->ReadSectors(sector, 64, block.data(), 64 * kSector),
-                      TestResult::PASS);
-            EXPECT_TRUE(std::equal(block.begin(), block.end(),
-                                   expected.begin() + sector * kSector))
+            ASSERT_EQ(drive->ReadSectors(sector, 64, block.data(), 64 * kSector), TestResult::PASS);
+            EXPECT_TRUE(std::equal(block.begin(), block.end(), expected.begin() + sector * kSector))
                 << "sector " << sector;
         }
         drive->unLock();

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "blockdrive/ImageFile.h"
-#include "host/ReadAhead.h"
 #include "host/BlockDeviceDrive.h"
+#include "host/ReadAhead.h"
 #include "support/RecordingHost.h"
 
 namespace {
@@ -166,8 +166,8 @@ std::vector<SweptBlock> sweep(host::BlockDeviceDrive& drive, uint64_t start, uin
     for (uint64_t sector = start; sector < end; sector += count) {
         const TestResult result =
             drive.ReadSectors(sector, count, buffer.data(), static_cast<unsigned>(buffer.size()));
-        blocks.push_back({sector, result,
-                          buffer == imageBytes(sector * bytesPerSector, buffer.size())});
+        blocks.push_back(
+            {sector, result, buffer == imageBytes(sector * bytesPerSector, buffer.size())});
     }
     return blocks;
 }

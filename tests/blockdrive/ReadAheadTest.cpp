@@ -65,16 +65,17 @@ TEST(ReadAhead, SweepsAnswerEveryRequestAsTheDeviceWould) {
         size_t unserved;  // requests read directly: those before the stream shows
     };
     const uint64_t size = 64 * kBlock;
+    const std::vector<uint64_t> scattered = {2 * kBlock + 100, 7 * kBlock, 8 * kBlock + 4095,
+                                             63 * kBlock};
+    const std::vector<uint64_t> alongStride = {4 * kBlock, 5 * kBlock, 6 * kBlock, 62 * kBlock + 7};
     const Case cases[] = {
         {"contiguous to the end", size, size, kBlock, kBlock, {}, 8, 2},
         {"a stride of three blocks", size, size, kBlock, 3 * kBlock, {}, 4, 3},
         {"overlapping requests", size, size, 2 * kBlock, kBlock, {}, 3, 3},
         {"the last request cut at the end", size - 512, size - 512, kBlock, kBlock, {}, 8, 2},
         {"depth of one", size, size, kBlock, kBlock, {}, 1, 2},
-        {"failing blocks", size, size, kBlock, kBlock,
-         {2 * kBlock + 100, 7 * kBlock, 8 * kBlock + 4095, 63 * kBlock}, 8, 2},
-        {"failing blocks at a stride", size, size, kBlock, 2 * kBlock,
-         {4 * kBlock, 5 * kBlock, 6 * kBlock, 62 * kBlock + 7}, 5, 3},
+        {"failing blocks", size, size, kBlock, kBlock, scattered, 8, 2},
+        {"failing blocks at a stride", size, size, kBlock, 2 * kBlock, alongStride, 5, 3},
         {"the device shrank under the drive", size, 40 * kBlock + 512, kBlock, kBlock, {}, 8, 2},
     };
     for (const Case& c : cases) {
@@ -149,8 +150,7 @@ TEST(ReadAhead, RequestsLargerThanABlockBufferAreNotReadAhead) {
         FakeDevice device(256 * kBlock);
         auto ahead = readAheadOver(device, 256 * kBlock, 4, 2 * kBlock);
         for (uint64_t offset = 0; offset < 20 * c.bytes; offset += c.bytes) {
-            expectAnswerOfDevice(request(*ahead, device, offset, c.bytes), device, offset,
-                                 c.bytes);
+            expectAnswerOfDevice(request(*ahead, device, offset, c.bytes), device, offset, c.bytes);
         }
         ahead->drain();
         EXPECT_EQ(ahead->counters().started != 0, c.readAhead);

@@ -23,8 +23,7 @@ TEST(ReadPattern, StreamsOnlyWhenRequestsWalkUpwardRegularly) {
     const Case cases[] = {
         {"contiguous from the second request",
          {{0, 100, 0}, {100, 100, 100}, {200, 100, 100}, {300, 100, 100}}},
-        {"contiguous takes the new request's size",
-         {{0, 100, 0}, {100, 40, 40}, {140, 40, 40}}},
+        {"contiguous takes the new request's size", {{0, 100, 0}, {100, 40, 40}, {140, 40, 40}}},
         {"a gap needs a third request at the same distance",
          {{0, 100, 0}, {300, 100, 0}, {600, 100, 300}, {900, 100, 300}}},
         {"overlapping requests a constant distance apart",
