@@ -168,11 +168,9 @@ quel5::TestResult CCacheTest::CacheTestSector(const uint64_t& sector, const uint
                                  kMismatchLine);
     }
     // Written back even when nothing was saved: the block then holds zeros, not the fill.
-    const quel5::TestResult restored = RestoreSector(sector, buffers.saved(), bytes);
-    if (restored != quel5::TestResult::PASS && restored != quel5::TestResult::INTERNALERROR) {
-        ReportUnableToRestore(*LibDriveStrings::g_CacheTest, sector, endSector, kSource,
-                              kWriteBackLine);
-    }
+    const quel5::TestResult restored =
+        WriteBackArea(drive, *LibDriveStrings::g_CacheTest, sector, endSector, buffers.saved(),
+                      bytes, kSource, kWriteBackLine);
     return mismatch ? quel5::TestResult::FAIL : restored;
 }
 

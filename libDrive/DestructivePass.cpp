@@ -36,6 +36,16 @@ void ReportUnableToRestore(const quel5::LocalizedString& testName, uint64_t sect
     quel5::DiagModule::warning(event, source, line);
 }
 
+quel5::TestResult WriteBackArea(Drive& drive, const quel5::LocalizedString& testName,
+                                uint64_t sector, uint64_t endSector, const void* data,
+                                uint32_t bytes, const wchar_t* source, int line) {
+    const quel5::TestResult restored = RestoreSector(drive, sector, data, bytes);
+    if (restored != quel5::TestResult::PASS && restored != quel5::TestResult::INTERNALERROR) {
+        ReportUnableToRestore(testName, sector, endSector, source, line);
+    }
+    return restored;
+}
+
 bool AreaBuffers::Allocate(uint64_t bytes) {
     // A drive transfers at most 32 bits' worth of bytes in one call.
     if (bytes == 0 || bytes > std::numeric_limits<uint32_t>::max()) {

@@ -32,6 +32,12 @@ quel5::TestResult RestoreSector(Drive& drive, uint64_t sector, const void* data,
 void ReportUnableToRestore(const quel5::LocalizedString& testName, uint64_t sector,
                            uint64_t endSector, const wchar_t* source, int line);
 
+// The write-back that closes a tested area: RestoreSector(), and ReportUnableToRestore() when the
+// drive answers neither PASS nor INTERNALERROR. Returns what the drive answered.
+quel5::TestResult WriteBackArea(Drive& drive, const quel5::LocalizedString& testName,
+                                uint64_t sector, uint64_t endSector, const void* data,
+                                uint32_t bytes, const wchar_t* source, int line);
+
 // The buffers of one tested area, each `bytes` long: the data found there (saved), what the test
 // writes (written) and what it reads back (readBack).
 class AreaBuffers {

@@ -181,11 +181,9 @@ quel5::TestResult CPatternTest::PatternTestSector(const uint64_t& sector,
     }
     // Written back even when nothing was saved: the sector then holds zeros, not the last
     // pattern.
-    const quel5::TestResult restored = RestoreSector(sector, buffers.saved(), sectorBytes);
-    if (restored != quel5::TestResult::PASS && restored != quel5::TestResult::INTERNALERROR) {
-        ReportUnableToRestore(*LibDriveStrings::g_PatternTest, sector, endSector, kSource,
-                              kWriteBackLine);
-    }
+    const quel5::TestResult restored =
+        WriteBackArea(drive, *LibDriveStrings::g_PatternTest, sector, endSector, buffers.saved(),
+                      sectorBytes, kSource, kWriteBackLine);
     return errors != 0 ? quel5::TestResult::FAIL : restored;
 }
 
