@@ -112,10 +112,9 @@ quel5::TestResult CCacheTest::DoTesting() {
                 return quel5::TestResult::USERABORTED;
             }
             if (timing.IsReportDue()) {
-                timing.MarkReported();
                 // The block index is added, not subtracted: the estimate has always been made so.
-                ReportTimeLeft(drive, logger(), kTimeLeftLogLine,
-                               timing.SecondsLeft((kPasses - 1 - pass) * kBlocksPerPass + block));
+                ReportTimeLeft(drive, logger(), kTimeLeftLogLine, timing,
+                               (kPasses - 1 - pass) * kBlocksPerPass + block);
             }
             sector += kBlockSectors;
             timing.EndStep();

@@ -174,9 +174,9 @@ quel5::TestResult CChecksumTest::CheckChecksumFile() {
             return quel5::TestResult::USERABORTED;
         }
         if (timing.IsReportDue()) {
-            timing.MarkReported();
-            ReportTimeLeft(drive, logger(), kTimeLeftLogLine,
-                           timing.SecondsLeft(size > bytesRead ? size - bytesRead : 0));
+            // A file that grew since its size was taken has nothing left, not a wrapped count.
+            const unsigned int bytesLeft = size > bytesRead ? size - bytesRead : 0;
+            ReportTimeLeft(drive, logger(), kTimeLeftLogLine, timing, bytesLeft);
         }
         timing.EndStep();
         if (length < kChunkBytes) {

@@ -104,11 +104,9 @@ quel5::TestResult CFunnelSeekTest::DoTesting() {
             const auto percent = static_cast<unsigned int>(done * 100 / rangeSectors);
             quel5::DiagModule::percentDone(percent);
             quel5::DiagModule::progressTimed(1000.0, funnelText(lowSector, highSector, endSector));
-            timing.MarkReported();
             // The end is an address and `done` an offset: the mix is how the estimate has
             // always been figured, so hosts see the same numbers.
-            ReportTimeLeft(drive, logger(), kTimeLeftLine,
-                           timing.SecondsLeft((endSector - done) / jumpCount));
+            ReportTimeLeft(drive, logger(), kTimeLeftLine, timing, (endSector - done) / jumpCount);
             // Past half-way the heads turn outward again; let the drive prepare once for it.
             if (percent > kHalfWayPercent && !pastHalfWay) {
                 drive.PrepareRead();

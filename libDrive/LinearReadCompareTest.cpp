@@ -105,9 +105,8 @@ quel5::TestResult CLinearReadCompareTest::DoTesting() {
     uint64_t current = startSector;
     while (current < endSector) {
         if (timing.IsReportDue()) {
-            timing.MarkReported();
-            ReportTimeLeft(drive, logger(), kTimeLeftLine,
-                           timing.SecondsLeft((endSector - current) / jumpCount));
+            ReportTimeLeft(drive, logger(), kTimeLeftLine, timing,
+                           (endSector - current) / jumpCount);
         }
         quel5::DiagModule::percentDone(
             static_cast<unsigned int>((current - startSector) * 100 / rangeSectors));

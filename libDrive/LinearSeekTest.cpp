@@ -77,9 +77,7 @@ quel5::TestResult CLinearSeekTest::DoTesting() {
             quel5::DiagModule::percentDone(
                 static_cast<unsigned int>((current - startSector) * 100 / span));
             quel5::DiagModule::progress(ReadSectorText(current, endSector));
-            timing.MarkReported();
-            ReportTimeLeft(drive, logger(), 231,
-                           timing.SecondsLeft((endSector - current) / jumpCount));
+            ReportTimeLeft(drive, logger(), 231, timing, (endSector - current) / jumpCount);
             if (quel5::DiagModule::checkForStop()) {
                 result = quel5::TestResult::USERABORTED;
                 break;

@@ -13,7 +13,10 @@ quel5::LocalizedString* ReadSectorText(uint64_t sector, uint64_t endSector) {
     return LibDriveStrings::g_ReadSector;
 }
 
-void ReportTimeLeft(Drive& drive, const kiv::Logger* logger, int line, uint32_t seconds) {
+void ReportTimeLeft(Drive& drive, const kiv::Logger* logger, int line, PassTiming& timing,
+                    uint64_t remainingSteps) {
+    timing.MarkReported();
+    const uint32_t seconds = timing.SecondsLeft(remainingSteps);
     logger->log(static_cast<int>(kiv::LogPriority::Detail),
                 kiv::String::fromNumber(static_cast<uint64_t>(line)) + L" " +
                     L" Estimated Time Left " + kiv::String::fromNumber(seconds));

@@ -6,6 +6,7 @@
 
 #include "kiv/Log.h"
 #include "libDrive/Drive.h"
+#include "libDrive/PassTiming.h"
 #include "quel5/Event.h"
 
 namespace kivrlibdrive {
@@ -14,8 +15,11 @@ namespace kivrlibdrive {
 // set. The string is the library's global: not owned, valid for the life of the process.
 quel5::LocalizedString* ReadSectorText(uint64_t sector, uint64_t endSector);
 
-// Logs "<line>  Estimated Time Left <seconds>" to `logger` at priority 1 and, when the drive
-// wants estimates (provideEstimatedTime()), passes `seconds` to the host.
-void ReportTimeLeft(Drive& drive, const kiv::Logger* logger, int line, uint32_t seconds);
+// Makes a report on `timing` (MarkReported()) and tells the time left for `remainingSteps` more
+// steps: seconds = timing.SecondsLeft(remainingSteps), logged as "<line>  Estimated Time Left
+// <seconds>" to `logger` at priority 1 and, when the drive wants estimates
+// (provideEstimatedTime()), passed to the host.
+void ReportTimeLeft(Drive& drive, const kiv::Logger* logger, int line, PassTiming& timing,
+                    uint64_t remainingSteps);
 
 }  // namespace kivrlibdrive

@@ -116,9 +116,8 @@ quel5::TestResult CPatternTest::DoTesting() {
             return quel5::TestResult::USERABORTED;
         }
         if (timing.IsReportDue()) {
-            timing.MarkReported();
-            ReportTimeLeft(drive, logger(), kTimeLeftLogLine,
-                           timing.SecondsLeft((endSector - current) / jumpCount));
+            ReportTimeLeft(drive, logger(), kTimeLeftLogLine, timing,
+                           (endSector - current) / jumpCount);
         }
         current += jumpCount;
         timing.EndStep();

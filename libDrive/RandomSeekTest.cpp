@@ -103,8 +103,7 @@ quel5::TestResult CRandomSeekTest::DoTesting() {
         if (timing.IsReportDue()) {
             quel5::DiagModule::percentDone(static_cast<unsigned int>(seekIndex * 100 / seeks));
             quel5::DiagModule::progressTimed(1000.0, ReadSectorText(sector, endSector));
-            timing.MarkReported();
-            ReportTimeLeft(drive, logger(), kTimeLeftLine, timing.SecondsLeft(seeks - seekIndex));
+            ReportTimeLeft(drive, logger(), kTimeLeftLine, timing, seeks - seekIndex);
             if (quel5::DiagModule::checkForStop()) {
                 result = quel5::TestResult::USERABORTED;
                 break;

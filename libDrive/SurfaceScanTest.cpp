@@ -130,9 +130,7 @@ quel5::TestResult CSurfaceScanTest::DoTesting() {
             quel5::DiagModule::percentDone(
                 static_cast<unsigned int>((current - startSector) * 100 / rangeSectors));
             quel5::DiagModule::progress(ReadSectorText(current, endSector));
-            timing.MarkReported();
-            ReportTimeLeft(drive, logger(), kTimeLeftLine,
-                           timing.SecondsLeft((endSector - current) / stride));
+            ReportTimeLeft(drive, logger(), kTimeLeftLine, timing, (endSector - current) / stride);
             if (quel5::DiagModule::checkForStop()) {
                 result = quel5::TestResult::USERABORTED;
                 break;
