@@ -121,10 +121,7 @@ quel5::TestResult CFunnelSeekTest::DoTesting() {
         highSector -= jumpCount;
         timing.EndStep();
     }
-    quel5::DiagModule::percentDone(100);
-    buffer.reset();
-    tray.Release();
-    return PassResult(*this, result, errors, plannedPairs);
+    return ClosePass(*this, tray, result, errors, plannedPairs);
 }
 
 }  // namespace kivrlibdrive

@@ -160,11 +160,7 @@ quel5::TestResult CLinearReadCompareTest::DoTesting() {
         tray.Release();
         return quel5::TestResult::FAIL;
     }
-    quel5::DiagModule::percentDone(100);
-    first.reset();
-    second.reset();
-    tray.Release();
-    return PassResult(*this, result, errors, plannedSteps);
+    return ClosePass(*this, tray, result, errors, plannedSteps);
 }
 
 }  // namespace kivrlibdrive

@@ -86,10 +86,7 @@ quel5::TestResult CLinearSeekTest::DoTesting() {
         current += jumpCount;
         timing.EndStep();
     }
-    quel5::DiagModule::percentDone(100);
-    tray.Release();
-    buffer.reset();
-    return PassResult(*this, result, errors, static_cast<double>(plannedReads));
+    return ClosePass(*this, tray, result, errors, static_cast<double>(plannedReads));
 }
 
 }  // namespace kivrlibdrive

@@ -4,19 +4,22 @@
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {
+namespace {
 
-bool MaxErrorsReached(const DriveTest& test, double errors, double plannedSteps) {
-    const uint32_t maxErrors = test.GetMaxErrors();
-    return maxErrors != 0 && errors / plannedSteps * 100.0 > test.GetMinErrorPercentage() &&
-           errors >= maxErrors;
-}
-
-quel5::TestResult PassResult(DriveTest& test, const quel5::TestResult& running, double errors,
+quel5::TestResult passResult(DriveTest& test, const quel5::TestResult& running, double errors,
                              double plannedSteps) {
     if (!(test.GetMinErrorPercentage() > 0.0)) {
         return errors != 0 ? quel5::TestResult::FAIL : running;
     }
     return test.GetThresholdResult(running, errors, plannedSteps);
+}
+
+}  // namespace
+
+bool MaxErrorsReached(const DriveTest& test, double errors, double plannedSteps) {
+    const uint32_t maxErrors = test.GetMaxErrors();
+    return maxErrors != 0 && errors / plannedSteps * 100.0 > test.GetMinErrorPercentage() &&
+           errors >= maxErrors;
 }
 
 ReadOutcome CountRead(DriveTest& test, const quel5::TestResult& result, uint32_t& errors,
@@ -56,6 +59,13 @@ quel5::TestResult AbandonPass(TrayHold& tray, quel5::Event* event, const wchar_t
     tray.Release();
     quel5::DiagModule::warning(event, source, line);
     return result;
+}
+
+quel5::TestResult ClosePass(DriveTest& test, TrayHold& tray, const quel5::TestResult& running,
+                            double errors, double plannedSteps) {
+    quel5::DiagModule::percentDone(100);
+    tray.Release();
+    return passResult(test, running, errors, plannedSteps);
 }
 
 TrayHold::TrayHold(Drive& drive) : drive_(drive), held_(true) { drive_.LockTray(); }

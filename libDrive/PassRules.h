@@ -16,12 +16,6 @@ namespace kivrlibdrive {
 // 100 lies strictly above the minimum error percentage, and the errors reached "MaxErrors".
 bool MaxErrorsReached(const DriveTest& test, double errors, double plannedSteps);
 
-// The result of a finished pass whose working result is `running`. With no minimum error
-// percentage any error makes it FAIL; otherwise the threshold rule of
-// DriveTest::GetThresholdResult decides (and may raise its event).
-quel5::TestResult PassResult(DriveTest& test, const quel5::TestResult& running, double errors,
-                             double plannedSteps);
-
 // Keeps the drive's tray locked for one pass: LockTray() at construction and UnlockTray()
 // exactly once, at Release() or, when the pass is left by an exception, at destruction.
 class TrayHold {
@@ -66,6 +60,13 @@ quel5::TestResult OpenPass(Drive& drive, TrayHold& tray,
 // `source`, line `line`, and returns `result`.
 quel5::TestResult AbandonPass(TrayHold& tray, quel5::Event* event, const wchar_t* source,
                               int line, quel5::TestResult result);
+
+// Ends a pass that read to its end, stopped early or was stopped, with working result `running`:
+// percentDone(100), the tray released, then the pass's result. With no minimum error percentage
+// any error makes it FAIL; otherwise the threshold rule of DriveTest::GetThresholdResult decides
+// (and may raise its event).
+quel5::TestResult ClosePass(DriveTest& test, TrayHold& tray, const quel5::TestResult& running,
+                            double errors, double plannedSteps);
 
 // What a test's Run does once the drive's handle has been checked: one pass; after a FAIL, when
 // the drive allows a re-run and the person confirms it, the percentage is reset, "RERUN_TEST" is

@@ -111,10 +111,7 @@ quel5::TestResult CRandomSeekTest::DoTesting() {
         }
         timing.EndStep();
     }
-    quel5::DiagModule::percentDone(100);
-    buffer.reset();
-    tray.Release();
-    return PassResult(*this, result, errors, plannedSeeks);
+    return ClosePass(*this, tray, result, errors, plannedSeeks);
 }
 
 }  // namespace kivrlibdrive

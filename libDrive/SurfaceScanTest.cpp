@@ -141,10 +141,7 @@ quel5::TestResult CSurfaceScanTest::DoTesting() {
         current = endSector - current <= stride ? endSector : current + stride;
         timing.EndStep();
     }
-    quel5::DiagModule::percentDone(100);
-    buffer.reset();
-    tray.Release();
-    return PassResult(*this, result, errors, plannedBlocks);
+    return ClosePass(*this, tray, result, errors, plannedBlocks);
 }
 
 }  // namespace kivrlibdrive
