@@ -61,15 +61,10 @@ quel5::TestResult CFunnelSeekTest::DoTesting() {
         return AbandonPass(tray, LibDriveStrings::g_WarnEventTotalSectorGreaterThanZero, kSource,
                            kEmptyRangeLine, quel5::TestResult::BADPARAMS);
     }
-    const uint32_t size = drive.GetBytesPerSector();
-    if (size == 0) {
-        return AbandonPass(tray, LibDriveStrings::g_WarnEventInvalidBufferSize, kSource,
-                           kNoSectorSizeLine, quel5::TestResult::INTERNALERROR);
-    }
-    std::unique_ptr<unsigned char[]> buffer = AllocateSectorBuffer(size);
-    if (buffer == nullptr) {
-        return AbandonPass(tray, LibDriveStrings::g_WarnEventMemoryAllocationError, kSource,
-                           kNoBufferLine, quel5::TestResult::INTERNALERROR);
+    ReadBuffer buffer;
+    result = TakeReadBuffer(drive, tray, 1, kSource, {kNoSectorSizeLine, kNoBufferLine}, buffer);
+    if (result != quel5::TestResult::PASS) {
+        return result;
     }
 
     PassTiming timing(L"elapsed time overflowed Uint32 or is negative.");
@@ -84,10 +79,9 @@ quel5::TestResult CFunnelSeekTest::DoTesting() {
         drive.PrepareRead();
         bool stop = false;
         for (const uint64_t sector : {lowSector, highSector}) {
-            result = drive.ReadSectors(sector, 1, buffer.get(), size);
+            result = drive.ReadSectors(sector, 1, buffer.data.get(), buffer.sectorBytes);
             const ReadOutcome outcome = CountRead(*this, result, errors, plannedPairs);
             if (outcome == ReadOutcome::EndsWithFailure) {
-                buffer.reset();
                 tray.Release();
                 return quel5::TestResult::INTERNALERROR;
             }

@@ -79,16 +79,13 @@ quel5::TestResult CLinearReadCompareTest::DoTesting() {
         return AbandonPass(tray, LibDriveStrings::g_WarnEventTotalSectorGreaterThanZero, kSource,
                            kEmptyRangeLine, quel5::TestResult::BADPARAMS);
     }
-    const uint32_t size = drive.GetBytesPerSector();
-    if (size == 0) {
-        return AbandonPass(tray, LibDriveStrings::g_WarnEventInvalidBufferSize, kSource,
-                           kNoSectorSizeLine, quel5::TestResult::INTERNALERROR);
+    ReadBuffer first;
+    const quel5::TestResult buffered =
+        TakeReadBuffer(drive, tray, 1, kSource, {kNoSectorSizeLine, kNoFirstBufferLine}, first);
+    if (buffered != quel5::TestResult::PASS) {
+        return buffered;
     }
-    std::unique_ptr<unsigned char[]> first = AllocateSectorBuffer(size);
-    if (first == nullptr) {
-        return AbandonPass(tray, LibDriveStrings::g_WarnEventMemoryAllocationError, kSource,
-                           kNoFirstBufferLine, quel5::TestResult::INTERNALERROR);
-    }
+    const uint32_t size = first.sectorBytes;
     std::unique_ptr<unsigned char[]> second = AllocateSectorBuffer(size);
     if (second == nullptr) {
         return AbandonPass(tray, LibDriveStrings::g_WarnEventMemoryAllocationError, kSource,
@@ -112,10 +109,10 @@ quel5::TestResult CLinearReadCompareTest::DoTesting() {
             static_cast<unsigned int>((current - startSector) * 100 / rangeSectors));
         quel5::DiagModule::progressTimed(1000.0, ReadSectorText(current, endSector));
 
-        std::memset(first.get(), 0, size);
+        std::memset(first.data.get(), 0, size);
         std::memset(second.get(), 0, size);
         drive.PrepareRead();
-        const quel5::TestResult firstRead = drive.ReadSectors(current, 1, first.get(), size);
+        const quel5::TestResult firstRead = drive.ReadSectors(current, 1, first.data.get(), size);
         stop = countRead(*this, firstRead, errors, internalErrors, plannedSteps);
         if (stop != ReadStop::None) {
             break;
@@ -132,7 +129,7 @@ quel5::TestResult CLinearReadCompareTest::DoTesting() {
             break;
         }
         if (secondRead == quel5::TestResult::PASS &&
-            std::memcmp(first.get(), second.get(), size) != 0) {
+            std::memcmp(first.data.get(), second.get(), size) != 0) {
             result = quel5::TestResult::FAIL;
             LibDriveStrings::g_errorEventDataCompareFailed->setVariable(L"TestSector",
                                                                         quel5::Value(current));

@@ -1,6 +1,6 @@
 #include "libDrive/LinearSeekTest.h"
 
-#include <memory>
+#include <cstdint>
 
 #include "kiv/Log.h"
 #include "libDrive/ClassLog.h"
@@ -42,15 +42,12 @@ quel5::TestResult CLinearSeekTest::DoTesting() {
         return AbandonPass(tray, LibDriveStrings::g_WarnEventTotalSectorGreaterThanZero, kSource,
                            __LINE__, quel5::TestResult::BADPARAMS);
     }
-    const uint32_t size = drive.GetBytesPerSector();
-    if (size == 0) {
-        return AbandonPass(tray, LibDriveStrings::g_WarnEventInvalidBufferSize, kSource, __LINE__,
-                           quel5::TestResult::INTERNALERROR);
-    }
-    std::unique_ptr<unsigned char[]> buffer = AllocateSectorBuffer(size);
-    if (buffer == nullptr) {
-        return AbandonPass(tray, LibDriveStrings::g_WarnEventMemoryAllocationError, kSource,
-                           __LINE__, quel5::TestResult::INTERNALERROR);
+    // Source lines the host sees with the sector-size and buffer warnings.
+    constexpr ReadBufferLines kBufferLines{47, 53};
+    ReadBuffer buffer;
+    result = TakeReadBuffer(drive, tray, 1, kSource, kBufferLines, buffer);
+    if (result != quel5::TestResult::PASS) {
+        return result;
     }
 
     PassTiming timing(L"elapsed time overflowed Uint32 or is negative.");
@@ -61,11 +58,10 @@ quel5::TestResult CLinearSeekTest::DoTesting() {
     uint64_t current = startSector;
     while (current < endSector) {
         drive.PrepareRead();
-        result = drive.ReadSectors(current, 1, buffer.get(), size);
+        result = drive.ReadSectors(current, 1, buffer.data.get(), buffer.sectorBytes);
         const ReadOutcome outcome =
             CountRead(*this, result, errors, static_cast<double>(plannedReads));
         if (outcome == ReadOutcome::EndsWithFailure) {
-            buffer.reset();
             tray.Release();
             return quel5::TestResult::INTERNALERROR;
         }

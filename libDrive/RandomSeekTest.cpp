@@ -59,15 +59,10 @@ quel5::TestResult CRandomSeekTest::DoTesting() {
         tray.Release();
         return quel5::TestResult::BADPARAMS;
     }
-    const uint32_t size = drive.GetBytesPerSector();
-    if (size == 0) {
-        return AbandonPass(tray, LibDriveStrings::g_WarnEventInvalidBufferSize, kSource,
-                           kNoSectorSizeLine, quel5::TestResult::INTERNALERROR);
-    }
-    std::unique_ptr<unsigned char[]> buffer = AllocateSectorBuffer(size);
-    if (buffer == nullptr) {
-        return AbandonPass(tray, LibDriveStrings::g_WarnEventMemoryAllocationError, kSource,
-                           kNoBufferLine, quel5::TestResult::INTERNALERROR);
+    ReadBuffer buffer;
+    result = TakeReadBuffer(drive, tray, 1, kSource, {kNoSectorSizeLine, kNoBufferLine}, buffer);
+    if (result != quel5::TestResult::PASS) {
+        return result;
     }
 
     SeekDraw draw;
@@ -90,10 +85,9 @@ quel5::TestResult CRandomSeekTest::DoTesting() {
             return quel5::TestResult::INTERNALERROR;
         }
         drive.PrepareRead();
-        result = drive.ReadSectors(sector, 1, buffer.get(), size);
+        result = drive.ReadSectors(sector, 1, buffer.data.get(), buffer.sectorBytes);
         const ReadOutcome outcome = CountRead(*this, result, errors, plannedSeeks);
         if (outcome == ReadOutcome::EndsWithFailure) {
-            buffer.reset();
             tray.Release();
             return quel5::TestResult::INTERNALERROR;
         }

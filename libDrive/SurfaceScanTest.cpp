@@ -90,17 +90,13 @@ quel5::TestResult CSurfaceScanTest::DoTesting() {
             stride = readAmount;
         }
     }
-    const uint32_t size = drive.GetBytesPerSector();
-    if (size == 0) {
-        return AbandonPass(tray, LibDriveStrings::g_WarnEventInvalidBufferSize, kSource,
-                           kNoSectorSizeLine, quel5::TestResult::INTERNALERROR);
+    ReadBuffer buffer;
+    result = TakeReadBuffer(drive, tray, readAmount, kSource, {kNoSectorSizeLine, kNoBufferLine},
+                            buffer);
+    if (result != quel5::TestResult::PASS) {
+        return result;
     }
-    std::unique_ptr<unsigned char[]> buffer =
-        AllocateSectorBuffer(static_cast<uint64_t>(size) * readAmount);
-    if (buffer == nullptr) {
-        return AbandonPass(tray, LibDriveStrings::g_WarnEventMemoryAllocationError, kSource,
-                           kNoBufferLine, quel5::TestResult::INTERNALERROR);
-    }
+    const uint32_t size = buffer.sectorBytes;
 
     PassTiming timing(L"doTesting() elapsed time overflowed Uint32 or is negative.");
     timing.Start();
@@ -113,7 +109,7 @@ quel5::TestResult CSurfaceScanTest::DoTesting() {
         if (current + readAmount > endSector) {
             readAmount = static_cast<uint32_t>(endSector - current);
         }
-        result = drive.ReadSectors(current, readAmount, buffer.get(), size * readAmount);
+        result = drive.ReadSectors(current, readAmount, buffer.data.get(), size * readAmount);
         if (result != quel5::TestResult::PASS) {
             log(kiv::LogPriority::Warning, L"222 Problem when testing sector " + number(current) +
                                                L" to " + number(current + readAmount));
