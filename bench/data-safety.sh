@@ -73,6 +73,10 @@ same() {  # A B: 0 when equal, else 1
 result_of() {  # JSONL
     { grep -o '"result":"[A-Z]*"' "$1" || true; } | tail -1 | cut -d'"' -f4
 }
+first_error() {  # JSONL: the text of the first error event, or ""
+    { grep -o '"severity":"error","key":"[A-Za-z_]*","text":"[^"]*"' "$1" || true; } | head -1 |
+        sed 's/.*"key":"\([^"]*\)","text":"\([^"]*\)"/\1: \2/'
+}
 has_event() {  # JSONL KEY
     grep -q "\"type\":\"event\".*\"key\":\"$2\"" "$1"
 }
@@ -87,6 +91,7 @@ whole_run() {  # NAME EXPECTED_EXIT DEVICE TEST ARGS...
     "$drivediag" run "$test" --destructive --device "$device" --json "$@" > "$out" || code=$?
     after=$(device_hash "$device")
     check $((code != expected)) "$name: exit code $code ($(result_of "$out")), expected $expected; $((SECONDS - start)) s"
+    if ((code != expected)); then echo "      first error: $(first_error "$out")"; fi
     check "$(same "$before" "$after")" "$name: device unchanged (sha256 ${after:0:16}...)"
 }
 
