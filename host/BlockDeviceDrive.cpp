@@ -108,10 +108,11 @@ TestResult BlockDeviceDrive::ReadSectors(const uint64_t& startSector, unsigned i
     if (!reader_.valid()) {
         return failed(path_ + " is not open", TestResult::INTERNALERROR);
     }
-    if (!acceptsRange(startSector, count) || !acceptsBuffer(count, buffer, bufferSize)) {
+    const unsigned int sectors = wholeBufferCount(count, bufferSize);
+    if (!acceptsRange(startSector, sectors) || !acceptsBuffer(sectors, buffer, bufferSize)) {
         return TestResult::FAIL;
     }
-    return transfer(Direction::Read, startSector, count, static_cast<unsigned char*>(buffer));
+    return transfer(Direction::Read, startSector, sectors, static_cast<unsigned char*>(buffer));
 }
 
 TestResult BlockDeviceDrive::WriteSectors(const uint64_t& startSector, unsigned int count,
@@ -123,7 +124,8 @@ TestResult BlockDeviceDrive::WriteSectors(const uint64_t& startSector, unsigned 
         // A disk nobody locked may be mounted or in use: never write it.
         return failed(path_ + " is written only while locked", TestResult::DEVICEBUSY);
     }
-    if (!acceptsRange(startSector, count) || !acceptsBuffer(count, buffer, bufferSize)) {
+    const unsigned int sectors = wholeBufferCount(count, bufferSize);
+    if (!acceptsRange(startSector, sectors) || !acceptsBuffer(sectors, buffer, bufferSize)) {
         return TestResult::FAIL;
     }
     if (!writer_.valid()) {
@@ -131,7 +133,7 @@ TestResult BlockDeviceDrive::WriteSectors(const uint64_t& startSector, unsigned 
     }
     // The bytes are only read from: a write never moves data into the caller's buffer.
     auto* bytes = static_cast<unsigned char*>(const_cast<void*>(buffer));
-    return transfer(Direction::Write, startSector, count, bytes);
+    return transfer(Direction::Write, startSector, sectors, bytes);
 }
 
 TestResult BlockDeviceDrive::VerifySectors(const uint64_t& startSector, unsigned int count) {
@@ -198,6 +200,14 @@ TestResult BlockDeviceDrive::unLock() {
         writer_.close();
     }
     return Drive::unLock();
+}
+
+unsigned int BlockDeviceDrive::wholeBufferCount(unsigned int count, unsigned int bufferSize) const {
+    // A request for no sectors stays one, and is refused as such.
+    if (count == 0 || bytesPerSector_ == 0) {
+        return count;
+    }
+    return std::max(count, bufferSize / bytesPerSector_);
 }
 
 bool BlockDeviceDrive::acceptsRange(uint64_t startSector, unsigned int count) {

@@ -40,6 +40,8 @@ public:
     explicit BlockDeviceDrive(const quel5::DiagDevice& device);
     ~BlockDeviceDrive() override;
 
+    // Reads and writes move the whole buffer: max(count, bufferSize / sector size) sectors. The
+    // cache test asks for one sector with a buffer of 256 and relies on all 256 moving.
     quel5::TestResult ReadSectors(const uint64_t& startSector, unsigned int count, void* buffer,
                                   unsigned int bufferSize) override;
     // REQUIRES for PASS: lock() answered PASS and unLock() was not called since.
@@ -94,6 +96,7 @@ private:
     bool acceptsRange(uint64_t startSector, unsigned int count);
     // False (with lastError_ set) unless `count` sectors fit `bufferSize` bytes at `buffer`.
     bool acceptsBuffer(unsigned int count, const void* buffer, unsigned int bufferSize);
+    unsigned int wholeBufferCount(unsigned int count, unsigned int bufferSize) const;
     quel5::TestResult transfer(Direction direction, uint64_t startSector, unsigned int count,
                                unsigned char* buffer);
     os::IoResult move(Direction direction, uint64_t offset, unsigned char* buffer, size_t bytes);

@@ -165,6 +165,7 @@ TEST_F(BlockDeviceDriveTest, ReadsReturnTheImageBytesAtTheSectorsAsked) {
         uint64_t start;
         unsigned int count;
         size_t misalignment;
+        unsigned int bufferSectors = 0;  // 0: count; more: the whole buffer must be read
     };
     const Case cases[] = {
         {"first sector", 512, 0, 1, 0},
@@ -176,12 +177,15 @@ TEST_F(BlockDeviceDriveTest, ReadsReturnTheImageBytesAtTheSectorsAsked) {
         {"up to the end, unaligned", 512, 7000, 1192, 3},
         {"4096-byte sectors, unaligned", 4096, 3, 2, 8},
         {"4096-byte last sector", 4096, 1023, 1, 0},
+        {"count 1 with a 256-sector buffer", 512, 40, 1, 0, 256},
+        {"count 1 with a 256-sector buffer up to the end", 512, 7936, 1, 2, 256},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const quel5::DiagDevice device = deviceFor(image, c.bytesPerSector);
         auto drive = openDrive(device);
-        TestBuffer buffer(size_t{c.count} * c.bytesPerSector, c.misalignment);
+        const unsigned int sectors = c.bufferSectors != 0 ? c.bufferSectors : c.count;
+        TestBuffer buffer(size_t{sectors} * c.bytesPerSector, c.misalignment);
         ASSERT_EQ(drive->ReadSectors(c.start, c.count, buffer.data(), buffer.size()),
                   TestResult::PASS)
             << drive->lastError();
@@ -243,6 +247,7 @@ TEST_F(BlockDeviceDriveTest, WritesLandOnlyWhileLocked) {
         unsigned int count;
         size_t misalignment;
         TestResult expected;
+        unsigned int bufferSectors = 0;  // 0: count; more: the whole buffer must be written
     };
     const Step steps[] = {
         {"before lock", Step::Write, 3, 1, 0, TestResult::DEVICEBUSY},
@@ -251,6 +256,8 @@ TEST_F(BlockDeviceDriveTest, WritesLandOnlyWhileLocked) {
         {"last sector, unaligned", Step::Write, 4095, 1, 1, TestResult::PASS},
         {"more than one bounce, unaligned", Step::Write, 10, 3000, 5, TestResult::PASS},
         {"past the end", Step::Write, 4095, 2, 0, TestResult::FAIL},
+        {"count 1 with a 256-sector buffer", Step::Write, 3500, 1, 0, TestResult::PASS, 256},
+        {"whole buffer would pass the end", Step::Write, 3900, 1, 0, TestResult::FAIL, 256},
         {"unlock", Step::Unlock, 0, 0, 0, TestResult::PASS},
         {"after unlock", Step::Write, 20, 1, 0, TestResult::DEVICEBUSY},
     };
@@ -266,7 +273,8 @@ TEST_F(BlockDeviceDriveTest, WritesLandOnlyWhileLocked) {
             EXPECT_EQ(drive->unLock(), step.expected);
             continue;
         }
-        TestBuffer buffer(size_t{step.count} * 512, step.misalignment);
+        const unsigned int sectors = step.bufferSectors != 0 ? step.bufferSectors : step.count;
+        TestBuffer buffer(size_t{sectors} * 512, step.misalignment);
         const std::vector<uint8_t> data = filled(buffer.size(), fill++);
         buffer.fill(data);
         EXPECT_EQ(drive->WriteSectors(step.start, step.count, buffer.data(), buffer.size()),
