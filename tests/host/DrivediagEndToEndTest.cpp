@@ -103,11 +103,13 @@ TEST_F(DrivediagEndToEndTest, PlainRunOnTheBuiltInDriveShowsProgressAndItsBadSec
     const RunOutput run = runDrivediag({"run", "linear-seek"});
     EXPECT_EQ(run.exitCode, 1) << run.out << run.err;
     EXPECT_EQ(run.lines.front().rfind("Running linear-seek on sim:1GiB,", 0), 0u);
-    // 1001 reads of 3 ms: a report after every second that passed.
+    // About 770 reads of 3 ms before the worn area: a report after every second that passed.
     const std::size_t reports = run.countLinesWith("Reading sector ");
     EXPECT_GE(reports, 2u);
     EXPECT_LE(reports, 3u);
     EXPECT_NE(run.lineWith({"[", "%  Reading sector ", " of 2097152", " left"}), "") << run.out;
+    EXPECT_NE(run.lineWith({"ERROR: ", "limit of 10 errors", "[MAX_ERRORS_EXCEEDED, "}), "")
+        << run.out;
     EXPECT_EQ(run.lines.back(), "Result: FAIL (exit code 1)");
 }
 
