@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "kiv/Log.h"
+#include "os/Utf8.h"
 
 namespace host {
 namespace {
@@ -173,22 +174,38 @@ TestResult BlockDeviceDrive::FlushCache() {
 }
 
 TestResult BlockDeviceDrive::lock() {
+    lockFailure_.clear();
+    if (writeProtected_ && !writer_.valid()) {
+        // Refused before any write: a test must not learn it from a row of failed writes.
+        return refuseLock(path_ + " is read-only (write-protected)");
+    }
     const TestResult locked = Drive::lock();
-    if (locked != TestResult::PASS || writer_.valid() || !reader_.valid() || writeProtected_) {
+    if (locked != TestResult::PASS) {
+        lockFailure_ = os::toUtf8(lockingManager.lastFailure());
+        failed(lockFailure_, locked);
+        return locked;
+    }
+    if (writer_.valid() || !reader_.valid()) {
         return locked;
     }
     blockdevice::Opened opened = blockdevice::openDevice(path_, true, direct_);
     if (!opened.error.ok()) {
-        failed(opened.error.message, TestResult::FAIL);
-        return locked;
+        Drive::unLock();
+        return refuseLock(path_ + " cannot be opened for writing: " + opened.error.message);
     }
     if (opened.direct != direct_ && !reopenCached()) {
         // Reads and writes must share one view of the data: both cached or both direct.
-        failed(path_ + " cannot be reopened", TestResult::FAIL);
-        return locked;
+        Drive::unLock();
+        return refuseLock(path_ + " cannot be reopened for cached transfers");
     }
     writer_ = std::move(opened.handle);
     return locked;
+}
+
+TestResult BlockDeviceDrive::refuseLock(const std::string& why) {
+    lockFailure_ = why;
+    failed(why, TestResult::DEVICEBUSY);
+    return ReportDeviceBusy();
 }
 
 TestResult BlockDeviceDrive::unLock() {

@@ -18,7 +18,8 @@
 // buffer (the device and the buffer are left untouched) and for sectors the device cannot
 // transfer; INTERNALERROR when the device is not open or has gone away; DEVICEBUSY for a write
 // while the drive is not locked. The drive is opened read-only: lock() takes the disk through
-// the Drive base's locking manager and only then opens it for writing, until unLock().
+// the Drive base's locking manager and only then opens it for writing, until unLock(); a disk
+// it cannot write is refused there, before the first write.
 //
 // Not thread-safe; one test uses it at a time.
 #pragma once
@@ -68,8 +69,9 @@ public:
     bool IsWriteProtected() override;
     // The file descriptor (Windows: the HANDLE) as a pointer; invalidDriveHandle() when closed.
     void* GetHandle() override;
-    // Drive::lock(), then opens the device for writing unless it is write-protected. A failure
-    // to open for writing does not fail the lock; writes answer FAIL instead.
+    // Drive::lock(), then opens the device for writing. DEVICEBUSY (the "DeviceBusy" event
+    // raised, lockFailure() set, nothing locked) when the volumes cannot be taken, when the
+    // device is write-protected (checked first) and when it cannot be opened for writing.
     quel5::TestResult lock() override;
     // Flushes and closes the write handle, then Drive::unLock().
     quel5::TestResult unLock() override;
@@ -85,6 +87,9 @@ public:
     bool usesDirectIo() const { return direct_; }
     // Why the last failing operation failed, for a person (UTF-8).
     const std::string& lastError() const { return lastError_; }
+    // Why the last lock() was refused, for a person (UTF-8): the mount point, the loop device,
+    // the read-only device. "" when it was not refused or lock() was never called.
+    const std::string& lockFailure() const { return lockFailure_; }
     // What read-ahead did since the device was last opened (or reopened without direct I/O).
     ReadAheadCounters readAheadCounters() const;
 
@@ -105,6 +110,8 @@ private:
     // Read-ahead over the current read handle. REQUIRES: reader_ is open.
     void startReadAhead();
     quel5::TestResult failed(const std::string& why, quel5::TestResult result);
+    // Records `why` as the lock's failure and reports DEVICEBUSY through the Drive base.
+    quel5::TestResult refuseLock(const std::string& why);
     uint32_t imageSectorSize() const;
 
     std::string path_;
@@ -120,6 +127,7 @@ private:
     AlignedBuffer bounce_;
     AlignedBuffer scratch_;
     std::string lastError_;
+    std::string lockFailure_;
     // Last, so that its reads in flight end before the handles close.
     std::unique_ptr<ReadAhead> readAhead_;
 };

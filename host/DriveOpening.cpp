@@ -58,4 +58,9 @@ OpenResult openDrive(const std::string& text) {
     return result;
 }
 
+std::string lockRefusalOf(const kivrlibdrive::Drive& drive) {
+    const auto* block = dynamic_cast<const BlockDeviceDrive*>(&drive);
+    return block == nullptr ? std::string() : block->lockFailure();
+}
+
 }  // namespace host

@@ -90,6 +90,12 @@ int runTest(const CommandLine& line, const Console& console) {
         return kExitNoDevice;
     }
 
+    if (test->destructive && opened.opened.drive->IsWriteProtected()) {
+        console.err << "drivediag: " << deviceText << " is read-only (write-protected); the "
+                    << test->name << " test writes to it and was not started\n";
+        return kExitReadOnly;
+    }
+
     std::unique_ptr<ConsoleHost> host;
     if (line.json) {
         host = std::make_unique<JsonHost>(console.out, line.answer);
@@ -109,6 +115,8 @@ int runTest(const CommandLine& line, const Console& console) {
         console.err << "drivediag: the test ended with an exception: " << e.what() << "\n";
         return kExitSoftware;
     }
+    if (const std::string refusal = lockRefusalOf(*opened.opened.drive); !refusal.empty())
+        console.err << "drivediag: the device was not locked: " << refusal << "\n";
     const int code = exitCodeFor(result);
     host->runFinished(result, code);
     return code;

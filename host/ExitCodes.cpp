@@ -35,6 +35,7 @@ constexpr ExitCodeRow kTable[] = {
     {kExitUsage, "usage error: bad command, option, test name, parameter or device text"},
     {kExitNoDevice, "the device could not be opened"},
     {kExitSoftware, "the test ended with an unexpected exception"},
+    {kExitReadOnly, "the device is read-only: a test that writes to it was not started"},
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -244,6 +245,36 @@ TEST_F(LoopDeviceDriveTest, DeviceShrunkDuringASweepFailsTheLostBlocksInOrder) {
         }
         EXPECT_GT(drive.readAheadCounters().served, blocks.size() / 2);
     }
+}
+
+// Write requests the loop device at `path` has completed (counted across attachments).
+unsigned long long writesDoneBy(const std::string& path) {
+    const std::string stat =
+        run("cat /sys/block/" + std::filesystem::path(path).filename().string() + "/stat");
+    unsigned long long readIos = 0, readMerges = 0, readSectors = 0, readTicks = 0, writeIos = 0;
+    std::istringstream(stat) >> readIos >> readMerges >> readSectors >> readTicks >> writeIos;
+    return writeIos;
+}
+
+TEST_F(LoopDeviceDriveTest, ReadOnlyDeviceRefusesTheLockBeforeAnyWrite) {
+    ImageFile image("loopro", kImageBytes);
+    LoopDevice loop(image, "--read-only");
+    ASSERT_FALSE(loop.path().empty());
+    quel5::DiagDevice device(QuelString(loop.path().c_str()));
+    host::BlockDeviceDrive drive(device);
+    ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
+    ASSERT_TRUE(drive.IsWriteProtected());
+    const unsigned long long writesBefore = writesDoneBy(loop.path());
+
+    EXPECT_EQ(drive.lock(), TestResult::DEVICEBUSY);
+    EXPECT_EQ(host_.eventKeys(), std::vector<std::string>{"DeviceBusy"});
+    EXPECT_EQ(drive.lockFailure(), loop.path() + " is read-only (write-protected)");
+    const std::vector<uint8_t> data(512, 0x3C);
+    EXPECT_EQ(drive.WriteSectors(1, 1, data.data(), 512), TestResult::DEVICEBUSY)
+        << "a refused lock leaves nothing locked";
+    drive.unLock();
+    EXPECT_EQ(writesDoneBy(loop.path()), writesBefore);
+    EXPECT_EQ(image.contents(), imageBytes(0, kImageBytes));
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -10,6 +12,7 @@
 #include <sstream>
 
 #include "Hold.h"
+#include "LoopBacking.h"
 #include "os/Utf8.h"
 
 namespace libStorage::detail {
@@ -115,6 +118,45 @@ std::string swapOn(const std::set<dev_t>& devices) {
     return {};
 }
 
+// How a device of `devices` is in use, worded to follow its name ("is mounted on /mnt"), or
+// "" when it is not mounted and not swap.
+std::string useOf(const std::set<dev_t>& devices) {
+    if (std::string swap = swapOn(devices); !swap.empty()) {
+        return "is in use as swap (" + swap + ")";
+    }
+    if (std::string mountPoint = mountPointOf(devices); !mountPoint.empty()) {
+        return "is mounted on " + mountPoint;
+    }
+    return {};
+}
+
+// True when another opener holds the block device `node` exclusively (a filesystem, a device
+// mapper, a RAID set, a program's O_EXCL open): our own exclusive open is then refused.
+bool heldExclusively(const std::string& node) {
+    const int fd = ::open(node.c_str(), O_RDONLY | O_EXCL | O_CLOEXEC | O_NONBLOCK);
+    if (fd >= 0) {
+        ::close(fd);
+        return false;
+    }
+    return errno == EBUSY;
+}
+
+// Writing an image file behind the back of a loop device in use corrupts what uses it, and
+// the image's own advisory lock means nothing to the kernel: every loop device over the same
+// file is checked as the disk itself would be. "" when none is in use.
+std::string loopUseOf(const std::string& path, const struct stat& image) {
+    for (const LoopDevice& loop : loopDevicesBackedBy(image.st_dev, image.st_ino)) {
+        std::string use = useOf(diskAndPartitions(loop.number));
+        if (use.empty() && heldExclusively(loop.path)) {
+            use = "is held open exclusively by another program";
+        }
+        if (!use.empty()) {
+            return path + " is the backing file of " + loop.path + ", which " + use;
+        }
+    }
+    return {};
+}
+
 std::unique_ptr<Hold> openExclusively(const std::string& path, std::wstring& failure) {
     os::OpenResult opened = os::openDevice(path, os::kRead | os::kExclusive);
     if (!opened.error.ok()) {
@@ -133,6 +175,10 @@ std::unique_ptr<Hold> lockDisk(const std::string& path, std::wstring& failure) {
         return nullptr;
     }
     if (S_ISREG(info.st_mode)) {
+        if (std::string use = loopUseOf(path, info); !use.empty()) {
+            failure = wide(use);
+            return nullptr;
+        }
         return openExclusively(path, failure);
     }
     if (!S_ISBLK(info.st_mode)) {
@@ -145,12 +191,8 @@ std::unique_ptr<Hold> lockDisk(const std::string& path, std::wstring& failure) {
         failure = wide(path + " holds the root filesystem");
         return nullptr;
     }
-    if (std::string swap = swapOn(devices); !swap.empty()) {
-        failure = wide(path + " is in use as swap (" + swap + ")");
-        return nullptr;
-    }
-    if (std::string mountPoint = mountPointOf(devices); !mountPoint.empty()) {
-        failure = wide(path + " is mounted on " + mountPoint);
+    if (std::string use = useOf(devices); !use.empty()) {
+        failure = wide(path + " " + use);
         return nullptr;
     }
     return openExclusively(path, failure);

@@ -5,6 +5,10 @@
 // device, or the disk cannot be opened exclusively (O_EXCL); on success it holds that exclusive
 // open until unlockVolumes(). Windows: locks and dismounts every volume on the disk, holding the
 // volume handles until unlockVolumes().
+//
+// Linux image files: held by an advisory whole-file lock, and refused while any loop device over
+// the same file (same device and inode), or a partition of one, is mounted, is swap, or is held
+// open exclusively by someone else; the failure names the loop device and its mount point.
 #pragma once
 
 #include <memory>

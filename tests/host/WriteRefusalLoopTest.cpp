@@ -1,0 +1,242 @@
+// Destructive runs that must not write at all: on an image file whose loop device carries a
+// mounted filesystem (the file's data sectors aimed at directly), on that loop device itself,
+// and on a read-only loop device. Needs root, losetup, mkfs.ext4 and mount; skipped elsewhere.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <linux/fiemap.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "DrivediagRun.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Args = std::vector<std::string>;
+using Bytes = std::vector<char>;
+
+constexpr std::size_t kImageBytes = 64 * 1024 * 1024;
+constexpr std::size_t kSectorBytes = 512;
+constexpr std::size_t kPayloadBytes = 64 * 1024;
+constexpr uint64_t kTestedSectors = 8;
+constexpr int kDeviceBusyExit = 8;
+constexpr int kReadOnlyExit = 77;
+
+// The first line a shell command prints, or "" when it fails.
+std::string firstLineOf(const std::string& command) {
+    FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
+    if (!pipe) return "";
+    char buffer[256] = {};
+    std::string line = std::fgets(buffer, sizeof buffer, pipe) ? buffer : "";
+    if (pclose(pipe) != 0) return "";
+    while (!line.empty() && line.back() == '\n') line.pop_back();
+    return line;
+}
+
+bool succeeds(const std::string& command) {
+    return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+Bytes readAt(const std::string& path, uint64_t offset, std::size_t bytes) {
+    Bytes data(bytes);
+    std::ifstream in(path, std::ios::binary);
+    in.seekg(static_cast<std::streamoff>(offset));
+    in.read(data.data(), static_cast<std::streamsize>(bytes));
+    data.resize(static_cast<std::size_t>(in.gcount()));
+    return data;
+}
+
+// The first sector of `path`'s data on the device below its filesystem, once it is written out.
+std::optional<uint64_t> firstDataSector(const std::string& path) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return std::nullopt;
+    // The map with room for one extent after it.
+    alignas(fiemap) unsigned char request[sizeof(fiemap) + sizeof(fiemap_extent)] = {};
+    auto* map = reinterpret_cast<fiemap*>(request);
+    map->fm_length = FIEMAP_MAX_OFFSET;
+    map->fm_flags = FIEMAP_FLAG_SYNC;
+    map->fm_extent_count = 1;
+    const bool mapped = ioctl(fd, FS_IOC_FIEMAP, map) == 0 && map->fm_mapped_extents == 1;
+    ::close(fd);
+    if (!mapped) return std::nullopt;
+    return map->fm_extents[0].fe_physical / kSectorBytes;
+}
+
+// Write requests the loop device has completed (counted across attachments).
+unsigned long long writesDoneBy(const std::string& loop) {
+    std::ifstream stat("/sys/block/" + fs::path(loop).filename().string() + "/stat");
+    unsigned long long readIos = 0, readMerges = 0, readSectors = 0, readTicks = 0, writeIos = 0;
+    stat >> readIos >> readMerges >> readSectors >> readTicks >> writeIos;
+    return writeIos;
+}
+
+// An image file of `bytes` (random, or an ext4 filesystem) with a loop device over it, both
+// removed at the end; a mount of the filesystem when mount() is called.
+class LoopImage {
+public:
+    LoopImage(const std::string& losetupOptions, bool withFilesystem) : image_(kImageBytes) {
+        if (withFilesystem) {
+            // No lazy initialisation: the mounted filesystem then writes nothing of its own.
+            if (!succeeds("mkfs.ext4 -q -F -E lazy_itable_init=0,lazy_journal_init=0 " +
+                          image_.path()))
+                return;
+        } else {
+            std::mt19937 random(611);
+            std::vector<uint32_t> words(kImageBytes / sizeof(uint32_t));
+            std::generate(words.begin(), words.end(), random);
+            std::ofstream(image_.path(), std::ios::binary)
+                .write(reinterpret_cast<const char*>(words.data()),
+                       static_cast<std::streamsize>(kImageBytes));
+        }
+        loop_ = firstLineOf("losetup --find --show " + losetupOptions + " " + image_.path());
+    }
+    ~LoopImage() {
+        if (mounted_) succeeds("umount " + mountPoint_);
+        if (!mountPoint_.empty()) fs::remove(mountPoint_);
+        if (!loop_.empty()) succeeds("losetup -d " + loop_);
+    }
+    LoopImage(const LoopImage&) = delete;
+    LoopImage& operator=(const LoopImage&) = delete;
+
+    bool mount() {
+        mountPoint_ = (fs::temp_directory_path() /
+                       ("drivediag-refusal-" + fs::path(loop_).filename().string()))
+                          .string();
+        fs::create_directories(mountPoint_);
+        mounted_ = succeeds("mount " + loop_ + " " + mountPoint_);
+        return mounted_;
+    }
+    bool unmount() {
+        mounted_ = mounted_ && !succeeds("umount " + mountPoint_);
+        return !mounted_;
+    }
+
+    const std::string& image() const { return image_.path(); }
+    const std::string& loop() const { return loop_; }
+    const std::string& mountPoint() const { return mountPoint_; }
+
+private:
+    hosttest::TempImage image_;
+    std::string loop_;
+    std::string mountPoint_;
+    bool mounted_ = false;
+};
+
+Args patternRun(const std::string& device, uint64_t start) {
+    return {"run",
+            "pattern",
+            "--destructive",
+            "--device",
+            device,
+            "--set",
+            "PreserveData=false",
+            "--set",
+            "StartRange=" + std::to_string(start),
+            "--set",
+            "EndRange=" + std::to_string(start + kTestedSectors),
+            "--set",
+            "NumberOfSeeks=" + std::to_string(kTestedSectors)};
+}
+
+class WriteRefusalLoopTest : public testing::Test {
+protected:
+    void SetUp() override {
+        if (geteuid() != 0) GTEST_SKIP() << "needs root for losetup and mount";
+        if (firstLineOf("losetup --version").empty()) GTEST_SKIP() << "no losetup";
+    }
+};
+
+TEST_F(WriteRefusalLoopTest, ImageOfAMountedLoopDeviceIsRefusedAndItsFileKept) {
+    if (!succeeds("command -v mkfs.ext4")) GTEST_SKIP() << "no mkfs.ext4";
+    LoopImage fsImage("", true);
+    if (fsImage.loop().empty()) GTEST_SKIP() << "no loop device could be attached";
+    if (!fsImage.mount()) GTEST_SKIP() << "the filesystem could not be mounted";
+
+    const std::string payloadPath = fsImage.mountPoint() + "/payload";
+    Bytes payload(kPayloadBytes);
+    std::mt19937 random(7);
+    std::generate(payload.begin(), payload.end(), [&] { return static_cast<char>(random()); });
+    std::ofstream(payloadPath, std::ios::binary)
+        .write(payload.data(), static_cast<std::streamsize>(payload.size()));
+    const std::optional<uint64_t> sector = firstDataSector(payloadPath);
+    ASSERT_TRUE(sector) << "the payload's place on the device is unknown";
+    const uint64_t offset = *sector * kSectorBytes;
+    ASSERT_EQ(readAt(fsImage.image(), offset, kPayloadBytes), payload)
+        << "the image must hold the payload where the filesystem says";
+
+    const struct {
+        std::string device;
+        std::string says;
+    } cases[] = {
+        {fsImage.image(), fsImage.image() + " is the backing file of " + fsImage.loop() +
+                              ", which is mounted on " + fsImage.mountPoint()},
+        {fsImage.loop(), fsImage.loop() + " is mounted on " + fsImage.mountPoint()},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.device);
+        const hosttest::RunOutput run = hosttest::runDrivediag(patternRun(c.device, *sector));
+        EXPECT_EQ(run.exitCode, kDeviceBusyExit) << run.out << run.err;
+        EXPECT_NE(run.lineWith({"ERROR:", "[DeviceBusy"}), "") << run.out;
+        EXPECT_NE(run.err.find("drivediag: the device was not locked: " + c.says),
+                  std::string::npos)
+            << run.err;
+        EXPECT_EQ(readAt(fsImage.image(), offset, kPayloadBytes), payload);
+    }
+
+    // Control: with the filesystem gone the same run writes those very sectors, so the refusal
+    // above is what kept them. The loop device stays attached, unused: that alone is no refusal.
+    ASSERT_TRUE(fsImage.unmount());
+    const hosttest::RunOutput run = hosttest::runDrivediag(patternRun(fsImage.image(), *sector));
+    EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(readAt(fsImage.image(), offset, kTestedSectors * kSectorBytes),
+              Bytes(kTestedSectors * kSectorBytes, 0))
+        << "the tested sectors are left zeroed";
+}
+
+TEST_F(WriteRefusalLoopTest, ReadOnlyLoopDeviceIsRefusedBeforeAnyWrite) {
+    LoopImage readOnly("--read-only", false);
+    if (readOnly.loop().empty()) GTEST_SKIP() << "no loop device could be attached";
+    const Bytes before = readAt(readOnly.image(), 0, kImageBytes);
+    const unsigned long long writesBefore = writesDoneBy(readOnly.loop());
+    const struct {
+        Args args;
+    } cases[] = {
+        {{"run", "pattern", "--destructive", "--device", readOnly.loop(), "--set",
+          "PreserveData=false"}},
+        {{"run", "pattern", "--destructive", "--device", readOnly.loop(), "--json"}},
+        {{"run", "cache", "--destructive", "--device", readOnly.loop()}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.args));
+        const hosttest::RunOutput run = hosttest::runDrivediag(c.args);
+        EXPECT_EQ(run.exitCode, kReadOnlyExit) << run.out << run.err;
+        EXPECT_NE(
+            run.err.find("drivediag: " + readOnly.loop() + " is read-only (write-protected); the " +
+                         c.args[1] + " test writes to it and was not started"),
+            std::string::npos)
+            << run.err;
+        EXPECT_EQ(run.out, "") << "the test must not start";
+    }
+    EXPECT_EQ(writesDoneBy(readOnly.loop()), writesBefore);
+    EXPECT_EQ(readAt(readOnly.image(), 0, kImageBytes), before);
+
+    // Reading tests still run on it.
+    const hosttest::RunOutput scan = hosttest::runDrivediag(
+        {"run", "linear-seek", "--device", readOnly.loop(), "--set", "NumberOfSeeks=50"});
+    EXPECT_EQ(scan.exitCode, 0) << scan.out << scan.err;
+}
+
+}  // namespace

@@ -1,0 +1,229 @@
+// Locking an image file that a loop device shows as a disk: refused while that loop device (or a
+// partition of it) is mounted, is swap or is held exclusively, whatever path names the file;
+// allowed while the loop device sits unused, and for a copy of the file. Needs root, losetup,
+// mkfs.ext2 and mount; each case skips on its own when its tool is refused.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "os/TempFile.h"
+#include "os/Utf8.h"
+#include "storage/DeviceLockingManager.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using libStorage::DeviceLockingManager;
+using testing_support::TempFile;
+
+constexpr uintmax_t kImageBytes = 16 << 20;
+
+bool succeeds(const std::string& command) {
+    return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+}
+
+std::string firstLineOf(const std::string& command) {
+    FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
+    if (pipe == nullptr) return "";
+    std::array<char, 256> line{};
+    std::string text = std::fgets(line.data(), line.size(), pipe) != nullptr ? line.data() : "";
+    if (pclose(pipe) != 0) return "";
+    while (!text.empty() && text.back() == '\n') text.pop_back();
+    return text;
+}
+
+// One MBR partition from sector 2048 to the end of the image.
+void writePartitionTable(const std::string& image) {
+    std::array<unsigned char, 512> sector{};
+    unsigned char* entry = sector.data() + 446;
+    entry[4] = 0x83;
+    const uint32_t first = 2048;
+    const uint32_t count = static_cast<uint32_t>(kImageBytes / 512) - first;
+    for (int i = 0; i < 4; ++i) {
+        entry[8 + i] = static_cast<unsigned char>(first >> (8 * i));
+        entry[12 + i] = static_cast<unsigned char>(count >> (8 * i));
+    }
+    sector[510] = 0x55;
+    sector[511] = 0xAA;
+    std::fstream(image, std::ios::binary | std::ios::in | std::ios::out)
+        .write(reinterpret_cast<const char*>(sector.data()), sector.size());
+}
+
+// What a case did to the loop device, undone in reverse order at its end.
+class Scenario {
+public:
+    Scenario() = default;
+    Scenario(const Scenario&) = delete;
+    Scenario& operator=(const Scenario&) = delete;
+    ~Scenario() {
+        for (auto undo = undos_.rbegin(); undo != undos_.rend(); ++undo) (*undo)();
+    }
+    // Runs `command`; on success `undo` runs at the end. False when it failed.
+    bool step(const std::string& command, const std::string& undo) {
+        if (!succeeds(command)) return false;
+        undos_.push_back([undo] { succeeds(undo); });
+        return true;
+    }
+    void atEnd(std::function<void()> undo) { undos_.push_back(std::move(undo)); }
+
+    std::string loop;        // the loop device over the image
+    std::string mountPoint;  // where a case mounted something
+    std::string lockedPath;  // the path handed to the locking manager
+    std::string why;         // "" when the case could be set up
+
+private:
+    std::vector<std::function<void()>> undos_;
+};
+
+bool attach(Scenario& s, const std::string& image, const std::string& options) {
+    s.loop = firstLineOf("losetup --find --show " + options + " " + image);
+    if (s.loop.empty()) return false;
+    const std::string loop = s.loop;
+    s.atEnd([loop] { succeeds("losetup -d " + loop); });
+    return true;
+}
+
+bool mountOn(Scenario& s, const std::string& device) {
+    s.mountPoint =
+        (fs::temp_directory_path() / ("libdrive-lock-mnt-" + fs::path(device).filename().string()))
+            .string();
+    fs::create_directories(s.mountPoint);
+    const std::string mountPoint = s.mountPoint;
+    s.atEnd([mountPoint] { fs::remove(mountPoint); });
+    return s.step("mount " + device + " " + mountPoint, "umount " + mountPoint);
+}
+
+class LoopBackedImageLockTest : public testing::Test {
+protected:
+    void SetUp() override {
+        if (geteuid() != 0 || firstLineOf("losetup --version").empty())
+            GTEST_SKIP() << "needs root and losetup";
+    }
+};
+
+TEST_F(LoopBackedImageLockTest, ImageIsRefusedWhileItsLoopDeviceIsInUse) {
+    struct Case {
+        std::string name;
+        // Sets the case up; leaves `why` set when it cannot be done here.
+        std::function<void(Scenario&, const std::string& image)> setUp;
+        // What the failure must say, with {loop} and {mnt} filled in; "" when the lock is taken.
+        std::function<std::string(const Scenario&)> refusal;
+    };
+    const auto backing = [](const Scenario& s) {
+        return s.lockedPath + " is the backing file of " + s.loop + ", which ";
+    };
+    const Case cases[] = {
+        {"attached, unused",
+         [](Scenario& s, const std::string& image) {
+             if (!attach(s, image, "")) s.why = "no loop device";
+         },
+         [](const Scenario&) { return std::string(); }},
+        {"its filesystem mounted",
+         [](Scenario& s, const std::string& image) {
+             if (!succeeds("mkfs.ext2 -q -F " + image))
+                 s.why = "no mkfs.ext2";
+             else if (!attach(s, image, ""))
+                 s.why = "no loop device";
+             else if (!mountOn(s, s.loop))
+                 s.why = "mount refused";
+         },
+         [&](const Scenario& s) { return backing(s) + "is mounted on " + s.mountPoint; }},
+        {"a filesystem on its partition mounted",
+         [](Scenario& s, const std::string& image) {
+             writePartitionTable(image);
+             if (!attach(s, image, "--partscan"))
+                 s.why = "no loop device";
+             else if (!succeeds("mkfs.ext2 -q -F " + s.loop + "p1"))
+                 s.why = "no partition";
+             else if (!mountOn(s, s.loop + "p1"))
+                 s.why = "mount refused";
+         },
+         [&](const Scenario& s) { return backing(s) + "is mounted on " + s.mountPoint; }},
+        {"used as swap",
+         [](Scenario& s, const std::string& image) {
+             if (!succeeds("mkswap " + image))
+                 s.why = "no mkswap";
+             else if (!attach(s, image, ""))
+                 s.why = "no loop device";
+             else if (!s.step("swapon " + s.loop, "swapoff " + s.loop))
+                 s.why = "swapon refused";
+         },
+         [&](const Scenario& s) { return backing(s) + "is in use as swap (" + s.loop + ")"; }},
+        {"held exclusively by another opener",
+         [](Scenario& s, const std::string& image) {
+             if (!attach(s, image, "")) {
+                 s.why = "no loop device";
+                 return;
+             }
+             const int fd = ::open(s.loop.c_str(), O_RDONLY | O_EXCL | O_CLOEXEC);
+             if (fd < 0)
+                 s.why = "no exclusive open";
+             else
+                 s.atEnd([fd] { ::close(fd); });
+         },
+         [&](const Scenario& s) {
+             return backing(s) + "is held open exclusively by another program";
+         }},
+        {"mounted, the image named by a hard link",
+         [](Scenario& s, const std::string& image) {
+             const std::string link = image + ".link";
+             fs::create_hard_link(image, link);
+             s.atEnd([link] { fs::remove(link); });
+             s.lockedPath = link;
+             if (!succeeds("mkfs.ext2 -q -F " + image))
+                 s.why = "no mkfs.ext2";
+             else if (!attach(s, image, ""))
+                 s.why = "no loop device";
+             else if (!mountOn(s, s.loop))
+                 s.why = "mount refused";
+         },
+         [&](const Scenario& s) { return backing(s) + "is mounted on " + s.mountPoint; }},
+        {"mounted, a copy of the image locked",
+         [](Scenario& s, const std::string& image) {
+             if (!succeeds("mkfs.ext2 -q -F " + image))
+                 s.why = "no mkfs.ext2";
+             else if (!attach(s, image, ""))
+                 s.why = "no loop device";
+             else if (!mountOn(s, s.loop))
+                 s.why = "mount refused";
+             const std::string copy = image + ".copy";
+             fs::copy_file(image, copy);
+             s.atEnd([copy] { fs::remove(copy); });
+             s.lockedPath = copy;
+         },
+         [](const Scenario&) { return std::string(); }},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        TempFile image(kImageBytes, "libdrive-backing");
+        Scenario scenario;
+        scenario.lockedPath = image.path();
+        c.setUp(scenario, image.path());
+        if (!scenario.why.empty()) {
+            std::printf("[ SKIPPED  ] %s: %s\n", c.name.c_str(), scenario.why.c_str());
+            continue;
+        }
+        DeviceLockingManager manager(os::fromUtf8(scenario.lockedPath));
+        const std::string refusal = c.refusal(scenario);
+        EXPECT_EQ(manager.lockVolumes(), refusal.empty()) << os::toUtf8(manager.lastFailure());
+        EXPECT_EQ(os::toUtf8(manager.lastFailure()), refusal);
+        if (refusal.empty()) {
+            // The advisory lock still keeps a second locker of the same file out.
+            DeviceLockingManager rival(os::fromUtf8(scenario.lockedPath));
+            EXPECT_FALSE(rival.lockVolumes());
+        }
+    }
+}
+
+}  // namespace
