@@ -4,14 +4,16 @@
 # the device's SHA-256 before and after: after a whole run, after a run stopped in the middle
 # with Ctrl-C (SIGINT), and on a second loop device holding a mounted filesystem, which both
 # tests must refuse (DEVICEBUSY) without writing to it. A control run with PreserveData=false
-# shows that the comparison does see the tests' writes. One PASS/FAIL line per check; exits 1
+# shows that the comparison does see the tests' writes. refusal_checks adds an ext4 image file
+# mounted through a loop device (refused through the file and through the loop device, with the
+# mount point named) and a read-only loop device (refused before the test, exit code 77). One PASS/FAIL line per check; exits 1
 # when any check failed.
 #
 # Usage: bench/data-safety.sh [IMAGE_MIB]
 #   IMAGE_MIB  size of the random image, 64 to 256 (default 128)
 #   DRIVEDIAG  environment: the drivediag to run (default: build/release/bin/drivediag, built
 #              by scripts/run.sh or `cmake --build build/release --target drivediag`)
-# Needs root (losetup, mount) and mkfs.ext4.
+# Needs root (losetup, mount), mkfs.ext4 and filefrag.
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
@@ -30,7 +32,7 @@ if ((image_mib < 64 || image_mib > 256)); then
     echo "data-safety: IMAGE_MIB must be 64 to 256" >&2
     exit 1
 fi
-for tool in losetup mkfs.ext4 mount sha256sum; do
+for tool in losetup mkfs.ext4 mount sha256sum filefrag; do
     command -v "$tool" > /dev/null || { echo "data-safety: $tool is missing" >&2; exit 1; }
 done
 
@@ -175,6 +177,90 @@ head -c 1M /dev/urandom > "$work/mnt/payload"
 sync
 refused_run "pattern, mounted" "$fs_loop" pattern
 refused_run "cache, mounted" "$fs_loop" cache
+
+# ---- Refusals without a write: an image file behind a mounted loop device, a read-only device --
+# Runs in a subshell with its own cleanup; prints its PASS/FAIL lines and exits with the number
+# of failed checks.
+refusal_checks() (
+    set -euo pipefail
+    local dir img_loop="" ro_loop=""
+    dir=$(mktemp -d)
+    # shellcheck disable=SC2317  # run by the trap
+    finish() {
+        if mountpoint -q "$dir/mnt" 2> /dev/null; then umount "$dir/mnt"; fi
+        if [[ -n $img_loop ]]; then losetup -d "$img_loop"; fi
+        if [[ -n $ro_loop ]]; then losetup -d "$ro_loop"; fi
+        rm -rf "$dir"
+    }
+    trap finish EXIT
+    # shellcheck disable=SC2030  # this subshell's own count, handed back as its exit status
+    failures=0
+
+    # An ext4 image mounted through a loop device, a file written to it, and the pattern test
+    # aimed at that file's first 8 sectors through the image file and through the loop device.
+    truncate -s 64M "$dir/fs.img"
+    mkfs.ext4 -q -E lazy_itable_init=0,lazy_journal_init=0 "$dir/fs.img"
+    img_loop=$(losetup --find --show "$dir/fs.img")
+    mkdir "$dir/mnt"
+    mount "$img_loop" "$dir/mnt"
+    head -c 64K /dev/urandom > "$dir/mnt/payload"
+    sync
+    local first region_before
+    first=$(filefrag -b512 -v "$dir/mnt/payload" | awk '$1 == "0:" { sub(/\.\./, "", $4); print $4 }')
+    # The file's sectors as the image holds them (every write to the loop device lands there).
+    file_sectors() { dd if="$dir/fs.img" bs=512 skip="$first" count=128 status=none | sha256sum; }
+    region_before=$(file_sectors)
+    local device says code out err said
+    for device in "$dir/fs.img" "$img_loop"; do
+        if [[ $device == "$img_loop" ]]; then
+            says="$img_loop is mounted on $dir/mnt"
+        else
+            says="$dir/fs.img is the backing file of $img_loop, which is mounted on $dir/mnt"
+        fi
+        code=0
+        out="$dir/run.jsonl" err="$dir/run.err"
+        "$drivediag" run pattern --destructive --device "$device" --json --set PreserveData=false \
+            --set StartRange="$first" --set EndRange=$((first + 8)) --set NumberOfSeeks=8 \
+            > "$out" 2> "$err" || code=$?
+        check $((code != 8)) "mounted image, pattern on ${device##*/} over the file's sectors from $first: exit code $code ($(result_of "$out")), expected 8 (DEVICEBUSY)"
+        said=1
+        if grep -qF "$says" "$err"; then said=0; fi
+        check $said "mounted image, pattern on ${device##*/}: says \"$says\""
+        check "$(same "$region_before" "$(file_sectors)")" "mounted image, pattern on ${device##*/}: the file's sectors unchanged"
+    done
+    # Control: unmounted, the same run zeroes those sectors, so the refusals above kept them.
+    umount "$dir/mnt"
+    code=0
+    "$drivediag" run pattern --destructive --device "$dir/fs.img" --json --set PreserveData=false \
+        --set StartRange="$first" --set EndRange=$((first + 8)) --set NumberOfSeeks=8 \
+        > "$dir/control.jsonl" 2>&1 || code=$?
+    check $((code != 0 || $(same "$region_before" "$(file_sectors)") == 0)) "control, unmounted image: exit code $code, the file's sectors changed"
+
+    # A read-only loop device: both tests refused before they start (exit code 77), nothing
+    # written.
+    head -c 16M /dev/urandom > "$dir/ro.img"
+    ro_loop=$(losetup --find --show --read-only "$dir/ro.img")
+    local test before after refused
+    for test in pattern cache; do
+        before=$(device_hash "$ro_loop")
+        code=0
+        "$drivediag" run "$test" --destructive --device "$ro_loop" --json > "$dir/ro.jsonl" \
+            2> "$dir/ro.err" || code=$?
+        after=$(device_hash "$ro_loop")
+        check $((code != 77)) "read-only device, $test: exit code $code, expected 77 (read-only)"
+        refused=1
+        if grep -q "is read-only" "$dir/ro.err" && [[ ! -s $dir/ro.jsonl ]]; then refused=0; fi
+        check $refused "read-only device, $test: refused before the test started ($(head -c 120 "$dir/ro.err"))"
+        check "$(same "$before" "$after")" "read-only device, $test: device unchanged (sha256 ${after:0:16}...)"
+    done
+    exit "$failures"
+)
+# ---- end of the refusal checks ------------------------------------------------------------------
+
+refused=0
+refusal_checks || refused=$?
+# shellcheck disable=SC2031  # the subshell's count arrived as its exit status
+failures=$((failures + refused))
 
 if ((failures > 0)); then
     echo "data-safety: $failures check(s) failed"
