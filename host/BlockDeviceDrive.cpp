@@ -173,6 +173,7 @@ TestResult BlockDeviceDrive::FlushCache() {
 }
 
 TestResult BlockDeviceDrive::lock() {
+    lockingManager.setDriveHandle(reader_.native());
     const TestResult locked = Drive::lock();
     if (locked != TestResult::PASS || writer_.valid() || !reader_.valid() || writeProtected_) {
         return locked;
