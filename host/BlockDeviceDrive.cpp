@@ -179,6 +179,7 @@ TestResult BlockDeviceDrive::lock() {
         // Refused before any write: a test must not learn it from a row of failed writes.
         return refuseLock(path_ + " is read-only (write-protected)");
     }
+    lockingManager.setDriveHandle(reader_.native());
     const TestResult locked = Drive::lock();
     if (locked != TestResult::PASS) {
         lockFailure_ = os::toUtf8(lockingManager.lastFailure());

@@ -2,6 +2,7 @@
 #include <winioctl.h>
 
 #include "host/BlockDevice.h"
+#include "os/DeviceControl.h"
 #include "os/Utf8.h"
 
 namespace host::blockdevice {
@@ -9,6 +10,35 @@ namespace {
 
 // \\.\PhysicalDrive1, \\.\E: and the like name devices; anything else is a file.
 bool namesDevice(const std::string& path) { return path.rfind("\\\\.\\", 0) == 0; }
+
+// \\.\E: names a volume rather than a whole disk.
+bool namesVolume(const std::string& path) {
+    return path.size() == 6 && namesDevice(path) && path[5] == ':' &&
+           ((path[4] >= 'A' && path[4] <= 'Z') || (path[4] >= 'a' && path[4] <= 'z'));
+}
+
+// Whether this process runs with administrator rights (an elevated token).
+bool elevated() {
+    HANDLE token = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) {
+        return false;
+    }
+    TOKEN_ELEVATION elevation{};
+    DWORD size = 0;
+    const bool answered =
+        GetTokenInformation(token, TokenElevation, &elevation, sizeof elevation, &size) != 0;
+    CloseHandle(token);
+    return answered && elevation.TokenIsElevated != 0;
+}
+
+// "Access is denied" alone does not tell a person what to do about it.
+os::Error explained(os::Error error, const std::string& path) {
+    if (error.code == ERROR_ACCESS_DENIED && namesDevice(path) && !elevated()) {
+        error.message += " (administrator rights are needed to open " + path +
+                         ": run drivediag from an elevated prompt)";
+    }
+    return error;
+}
 
 }  // namespace
 
@@ -33,18 +63,23 @@ Opened openDevice(const std::string& path, bool writable, bool direct) {
         direct = false;
         result = os::openDevice(path, access);
     }
+    if (result.error.ok() && namesVolume(path)) {
+        // The file system checks transfers against the volume's size as it sees it, which can
+        // end short of the partition; the volume's own driver checks them instead. Where this
+        // is refused the last sectors may read as failed, which the sizing already avoids.
+        os::controlDevice(result.handle.native(), FSCTL_ALLOW_EXTENDED_DASD_IO, nullptr, 0, nullptr,
+                          0);
+    }
     opened.handle = std::move(result.handle);
-    opened.error = std::move(result.error);
+    opened.error = explained(std::move(result.error), path);
     opened.direct = direct && opened.error.ok();
     return opened;
 }
 
 bool isWriteProtected(const std::string& path, Kind kind, os::NativeHandle handle) {
     if (kind == Kind::Disk) {
-        DWORD returned = 0;
-        return !DeviceIoControl(static_cast<HANDLE>(handle), IOCTL_DISK_IS_WRITABLE, nullptr, 0,
-                                nullptr, 0, &returned, nullptr) &&
-               GetLastError() == ERROR_WRITE_PROTECT;
+        return os::controlDevice(handle, IOCTL_DISK_IS_WRITABLE, nullptr, 0, nullptr, 0).error ==
+               ERROR_WRITE_PROTECT;
     }
     const DWORD attributes = GetFileAttributesW(os::fromUtf8(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;

@@ -16,7 +16,8 @@ std::vector<DriveInfo> listDrives() {
     int missing = 0;
     for (int number = 0; missing < kMaxMissingInARow; ++number) {
         const std::string path = "\\\\.\\PhysicalDrive" + std::to_string(number);
-        os::OpenResult opened = os::openDevice(path, os::kRead);
+        // Access 0 asks only the size and needs no administrator rights.
+        os::OpenResult opened = os::openDevice(path, os::kQuery);
         if (!opened.handle.valid()) {
             ++missing;
             continue;

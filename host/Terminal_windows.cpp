@@ -1,10 +1,13 @@
-#include <io.h>
-#include <stdio.h>
+#include <windows.h>
 
 #include "host/Terminal.h"
 
 namespace host {
 
-bool standardOutputIsTerminal() { return _isatty(_fileno(stdout)) != 0; }
+// _isatty answers true for any character device, NUL included; only a console has a mode.
+bool standardOutputIsTerminal() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_OUTPUT_HANDLE), &mode) != 0;
+}
 
 }  // namespace host

@@ -3,9 +3,10 @@
 #include <vector>
 
 #include "host/Drivediag.h"
+#include "host/ProcessSetup.h"
 #include "host/Terminal.h"
 
 int main(int argc, char** argv) {
-    const std::vector<std::string> args(argv + 1, argv + argc);
+    const std::vector<std::string> args = host::startProcess(argc, argv);
     return host::runDrivediag(args, {std::cout, std::cerr, host::standardOutputIsTerminal()});
 }

@@ -25,13 +25,20 @@ EntryKind examine(const String& path, uint64_t& size) {
 wchar_t pathSeparator() { return L'\\'; }
 
 bool environmentVariable(const String& name, String& value) {
-    const DWORD needed = GetEnvironmentVariableW(name.c_str(), nullptr, 0);
-    if (needed == 0) return false;
-    std::vector<wchar_t> buffer(needed);
-    const DWORD length = GetEnvironmentVariableW(name.c_str(), buffer.data(), needed);
-    if (length == 0 || length >= needed) return false;
-    value = String(std::wstring(buffer.data(), length));
-    return true;
+    // A set but empty variable also answers 0; only ERROR_ENVVAR_NOT_FOUND means unset.
+    std::vector<wchar_t> buffer(64);
+    for (int attempt = 0; attempt < 4; ++attempt) {
+        SetLastError(ERROR_SUCCESS);
+        const DWORD length =
+            GetEnvironmentVariableW(name.c_str(), buffer.data(), static_cast<DWORD>(buffer.size()));
+        if (length == 0 && GetLastError() == ERROR_ENVVAR_NOT_FOUND) return false;
+        if (length < buffer.size()) {
+            value = String(std::wstring(buffer.data(), length));
+            return true;
+        }
+        buffer.assign(length, L'\0');  // too small: `length` counts the terminator too
+    }
+    return false;  // the variable kept growing while it was read
 }
 
 }  // namespace kiv::platform

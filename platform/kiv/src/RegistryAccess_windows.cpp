@@ -48,13 +48,24 @@ RegistryAnswer readRegistryValue(RegistryRoot root, const String& subKey, const 
     } else if (wantValue && type != REG_SZ && type != REG_EXPAND_SZ) {
         answer = RegistryAnswer::NotString;
     } else if (wantValue) {
-        // One spare character: a stored string need not end in a terminator.
-        std::vector<wchar_t> buffer(bytes / sizeof(wchar_t) + 1, L'\0');
-        DWORD size = bytes;
-        status = RegQueryValueExW(key, valueName.c_str(), nullptr, &type,
-                                  reinterpret_cast<BYTE*>(buffer.data()), &size);
-        if (status != ERROR_SUCCESS) {
+        // The value may grow between the size query and the read: ERROR_MORE_DATA gives the
+        // new size, and the read is tried again with it.
+        std::vector<wchar_t> buffer;
+        for (int attempt = 0; attempt < 4; ++attempt) {
+            // One spare character: a stored string need not end in a terminator.
+            buffer.assign(bytes / sizeof(wchar_t) + 1, L'\0');
+            DWORD size = bytes;
+            status = RegQueryValueExW(key, valueName.c_str(), nullptr, &type,
+                                      reinterpret_cast<BYTE*>(buffer.data()), &size);
+            if (status != ERROR_MORE_DATA) break;
+            bytes = size;
+        }
+        if (status == ERROR_FILE_NOT_FOUND) {
+            answer = RegistryAnswer::Missing;
+        } else if (status != ERROR_SUCCESS) {
             answer = refused(status, value);
+        } else if (type != REG_SZ && type != REG_EXPAND_SZ) {
+            answer = RegistryAnswer::NotString;
         } else {
             value = String(std::wstring(buffer.data()));
         }

@@ -25,7 +25,7 @@ NativeHandle DeviceHandle::release() { return std::exchange(native_, invalidNati
 void DeviceHandle::close() { closeNativeHandle(release()); }
 
 OpenResult openDevice(const std::string& path, uint32_t access) {
-    if ((access & (kRead | kReadWrite)) == 0) {
+    if ((access & (kRead | kReadWrite | kQuery)) == 0) {
         return OpenResult{{}, Error{errorCodeInvalid(), "open " + path + ": no access asked"}};
     }
     OpenResult result;

@@ -1,4 +1,7 @@
+#include <process.h>
 #include <windows.h>
+
+#include <cerrno>
 
 #include <system_error>
 
@@ -12,11 +15,14 @@ public:
     ~Win32Thread() override { join(); }
 
     void start(Thread& owner) override {
-        handle_ = CreateThread(nullptr, 0, &Win32Thread::entry, &owner, 0, nullptr);
-        if (handle_ == nullptr) {
-            throw std::system_error(static_cast<int>(GetLastError()), std::system_category(),
-                                    "CreateThread");
+        // The body is C++ using the C runtime: _beginthreadex sets up the runtime's per-thread
+        // state, which CreateThread leaves to chance.
+        const uintptr_t started =
+            _beginthreadex(nullptr, 0, &Win32Thread::entry, &owner, 0, nullptr);
+        if (started == 0) {
+            throw std::system_error(errno, std::generic_category(), "_beginthreadex");
         }
+        handle_ = reinterpret_cast<HANDLE>(started);
     }
 
     // The thread handle itself becomes signalled when the thread has ended.
@@ -36,7 +42,7 @@ public:
     }
 
 private:
-    static DWORD WINAPI entry(LPVOID owner) {
+    static unsigned __stdcall entry(void* owner) {
         runBody(*static_cast<Thread*>(owner));
         return 0;
     }

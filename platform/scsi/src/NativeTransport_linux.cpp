@@ -70,8 +70,10 @@ int sgDirection(DataDirection direction) {
 
 class SgTransport : public Transport {
 public:
-    explicit SgTransport(int fd) : fd_(fd) {}
-    ~SgTransport() override { ::close(fd_); }
+    SgTransport(int fd, bool owned) : fd_(fd), owned_(owned) {}
+    ~SgTransport() override {
+        if (owned_) ::close(fd_);
+    }
 
     ScsiResponse send(const ScsiCommand& command) override {
         ScsiResponse response;
@@ -126,7 +128,13 @@ public:
 
 private:
     int fd_;
+    bool owned_;  // false: a drive's descriptor, closed by the drive
 };
+
+bool answersSgIo(int fd) {
+    int version = 0;
+    return ::ioctl(fd, SG_GET_VERSION_NUM, &version) >= 0;
+}
 
 }  // namespace
 
@@ -137,12 +145,16 @@ OpenResult openNativeTransport(const std::string& deviceName) {
         fd = ::open(deviceName.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     }
     if (fd < 0) return {nullptr, statusForOpenError(errno)};
-    int version = 0;
-    if (::ioctl(fd, SG_GET_VERSION_NUM, &version) < 0) {
+    if (!answersSgIo(fd)) {
         ::close(fd);
         return {nullptr, kStatusNotScsiDevice};
     }
-    return {std::make_unique<SgTransport>(fd), kStatusGood};
+    return {std::make_unique<SgTransport>(fd, true), kStatusGood};
+}
+
+OpenResult borrowNativeTransport(os::NativeHandle handle) {
+    if (!answersSgIo(handle)) return {nullptr, kStatusNotScsiDevice};
+    return {std::make_unique<SgTransport>(handle, false), kStatusGood};
 }
 
 }  // namespace kivscsi

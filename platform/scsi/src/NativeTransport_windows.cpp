@@ -12,7 +12,9 @@
 #include <cstring>
 
 #include "NativeTransport.h"
+#include "PassThroughLimits.h"
 #include "os/Clock.h"
+#include "os/DeviceControl.h"
 #include "os/Utf8.h"
 
 namespace kivscsi {
@@ -95,9 +97,11 @@ private:
 
 class PassThroughTransport : public Transport {
 public:
-    PassThroughTransport(HANDLE handle, size_t alignment)
-        : handle_(handle), alignment_(alignment) {}
-    ~PassThroughTransport() override { CloseHandle(handle_); }
+    PassThroughTransport(HANDLE handle, bool owned, detail::AdapterLimits limits)
+        : handle_(handle), owned_(owned), limits_(limits) {}
+    ~PassThroughTransport() override {
+        if (owned_) CloseHandle(handle_);
+    }
 
     ScsiResponse send(const ScsiCommand& command) override {
         ScsiResponse response;
@@ -108,8 +112,14 @@ public:
             return response;
         }
         const bool hasData = command.direction != DataDirection::None && command.bufferLength > 0;
-        const bool aligned = reinterpret_cast<uintptr_t>(command.buffer) % alignment_ == 0;
-        AlignedBuffer bounce(hasData && !aligned ? command.bufferLength : 0, alignment_);
+        if (hasData && command.bufferLength > limits_.maxTransferBytes) {
+            // The adapter cannot move it in one request, and a command cannot be split here.
+            response.transportStatus = kStatusInvalidRequest;
+            return response;
+        }
+        const size_t alignment = limits_.alignment;
+        const bool aligned = reinterpret_cast<uintptr_t>(command.buffer) % alignment == 0;
+        AlignedBuffer bounce(hasData && !aligned ? command.bufferLength : 0, alignment);
         if (hasData && !aligned && bounce.data() == nullptr) {
             response.transportStatus = kStatusInvalidRequest;
             return response;
@@ -128,20 +138,17 @@ public:
                                       : static_cast<UCHAR>(SCSI_IOCTL_DATA_UNSPECIFIED);
         request.sptd.DataTransferLength = hasData ? command.bufferLength : 0;
         request.sptd.DataBuffer = data;
-        // Whole seconds, rounded up, at least one.
-        request.sptd.TimeOutValue = std::max<ULONG>(1, (command.timeoutMs + 999) / 1000);
+        request.sptd.TimeOutValue = detail::passThroughTimeoutSeconds(command.timeoutMs);
         std::memcpy(request.sptd.Cdb, command.cdb.data(), command.cdbLength);
 
-        DWORD returned = 0;
         const uint64_t start = os::clock().monotonicMilliseconds();
-        const BOOL ok =
-            DeviceIoControl(handle_, IOCTL_SCSI_PASS_THROUGH_DIRECT, &request, sizeof(request),
-                            &request, sizeof(request), &returned, nullptr);
-        const DWORD error = ok ? ERROR_SUCCESS : GetLastError();
+        const os::ControlResult sent =
+            os::controlDevice(handle_, IOCTL_SCSI_PASS_THROUGH_DIRECT, &request, sizeof(request),
+                              &request, sizeof(request));
         response.durationMs = static_cast<uint32_t>(
             std::min<uint64_t>(os::clock().monotonicMilliseconds() - start, UINT32_MAX));
-        if (!ok) {
-            response.transportStatus = statusForIoctlError(error);
+        if (!sent.ok()) {
+            response.transportStatus = statusForIoctlError(sent.error);
             return response;
         }
         const uint32_t transferred =
@@ -158,20 +165,26 @@ public:
 
 private:
     HANDLE handle_;
-    size_t alignment_;
+    bool owned_;  // false: a drive's handle, closed by the drive
+    detail::AdapterLimits limits_;
 };
 
-// The adapter's buffer alignment; pass-through direct hands the caller's pages to the
-// adapter, which may refuse unaligned ones.
-size_t adapterAlignment(HANDLE handle) {
-    IO_SCSI_CAPABILITIES capabilities{};
-    DWORD returned = 0;
-    size_t alignment = 16;
-    if (DeviceIoControl(handle, IOCTL_SCSI_GET_CAPABILITIES, nullptr, 0, &capabilities,
-                        sizeof(capabilities), &returned, nullptr)) {
-        alignment = std::max<size_t>(alignment, size_t{capabilities.AlignmentMask} + 1);
+// Pass-through direct hands the caller's pages to the adapter, which may refuse unaligned ones
+// or more than it can move at once. The storage adapter descriptor answers for the class-driver
+// handles opened here; IOCTL_SCSI_GET_CAPABILITIES reaches only legacy port drivers.
+detail::AdapterLimits adapterLimits(HANDLE handle) {
+    STORAGE_PROPERTY_QUERY query{};
+    query.PropertyId = StorageAdapterProperty;
+    query.QueryType = PropertyStandardQuery;
+    STORAGE_ADAPTER_DESCRIPTOR descriptor{};
+    const os::ControlResult answer = os::controlDevice(
+        handle, IOCTL_STORAGE_QUERY_PROPERTY, &query, sizeof query, &descriptor, sizeof descriptor);
+    if (answer.ok()) {
+        if (auto limits = detail::adapterLimitsFromDescriptor(&descriptor, answer.bytes)) {
+            return *limits;
+        }
     }
-    return alignment;
+    return detail::defaultAdapterLimits();
 }
 
 }  // namespace
@@ -182,7 +195,13 @@ OpenResult openNativeTransport(const std::string& deviceName) {
         CreateFileW(wideName.c_str(), GENERIC_READ | GENERIC_WRITE,
                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
     if (handle == INVALID_HANDLE_VALUE) return {nullptr, statusForOpenError(GetLastError())};
-    return {std::make_unique<PassThroughTransport>(handle, adapterAlignment(handle)), kStatusGood};
+    return {std::make_unique<PassThroughTransport>(handle, true, adapterLimits(handle)),
+            kStatusGood};
+}
+
+OpenResult borrowNativeTransport(os::NativeHandle handle) {
+    HANDLE held = static_cast<HANDLE>(handle);
+    return {std::make_unique<PassThroughTransport>(held, false, adapterLimits(held)), kStatusGood};
 }
 
 }  // namespace kivscsi

@@ -9,6 +9,7 @@ namespace libStorage {
 struct DeviceLockingManager::Impl {
     std::wstring locator;
     std::wstring failure;
+    os::NativeHandle driveHandle = os::invalidNativeHandle();
     std::unique_ptr<detail::Hold> hold;
 };
 
@@ -33,6 +34,8 @@ DeviceLockingManager::DeviceLockingManager(std::wstring osLocator)
 
 DeviceLockingManager::~DeviceLockingManager() = default;
 
+void DeviceLockingManager::setDriveHandle(os::NativeHandle handle) { impl_->driveHandle = handle; }
+
 bool DeviceLockingManager::lockVolumes() {
     if (impl_->hold) {
         return true;
@@ -43,8 +46,9 @@ bool DeviceLockingManager::lockVolumes() {
         impl_->failure = L"no device named";
         return false;
     }
-    impl_->hold = os::findEmulatedDevice(path) ? lockEmulated(path, impl_->failure)
-                                               : detail::lockDisk(path, impl_->failure);
+    impl_->hold = os::findEmulatedDevice(path)
+                      ? lockEmulated(path, impl_->failure)
+                      : detail::lockDiskWith(path, impl_->driveHandle, impl_->failure);
     return impl_->hold != nullptr;
 }
 

@@ -2,6 +2,7 @@
 #include <winioctl.h>
 
 #include "Hold.h"
+#include "os/DeviceControl.h"
 #include "os/EmulatedDevice.h"
 
 namespace libStorage::detail {
@@ -12,8 +13,7 @@ class LockedVolume final : public Hold {
 public:
     explicit LockedVolume(HANDLE volume) : volume_(volume) {}
     ~LockedVolume() override {
-        DWORD returned = 0;
-        DeviceIoControl(volume_, FSCTL_UNLOCK_VOLUME, nullptr, 0, nullptr, 0, &returned, nullptr);
+        os::controlDevice(volume_, FSCTL_UNLOCK_VOLUME, nullptr, 0, nullptr, 0);
     }
 
 private:
@@ -30,9 +30,7 @@ std::unique_ptr<Hold> claimExclusive(os::NativeHandle handle) {
         }
         return std::make_unique<HandleHold>(std::move(claimed.handle));
     }
-    DWORD returned = 0;
-    if (!DeviceIoControl(static_cast<HANDLE>(handle), FSCTL_LOCK_VOLUME, nullptr, 0, nullptr, 0,
-                         &returned, nullptr)) {
+    if (!os::controlDevice(handle, FSCTL_LOCK_VOLUME, nullptr, 0, nullptr, 0).ok()) {
         return nullptr;
     }
     return std::make_unique<LockedVolume>(static_cast<HANDLE>(handle));

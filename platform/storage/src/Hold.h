@@ -27,6 +27,12 @@ private:
 // and sets `failure` (for a person) when it cannot.
 std::unique_ptr<Hold> lockDisk(const std::string& path, std::wstring& failure);
 
+// lockDisk, for a device the drive already holds open through `driveHandle` (not owned; it
+// must stay open while the hold lives): Windows takes what cannot be taken beside an open
+// handle through that handle. invalidNativeHandle() when the drive holds none.
+std::unique_ptr<Hold> lockDiskWith(const std::string& path, os::NativeHandle driveHandle,
+                                   std::wstring& failure);
+
 // Exclusive access to the device behind an open handle, per platform; null when refused.
 std::unique_ptr<Hold> claimExclusive(os::NativeHandle handle);
 

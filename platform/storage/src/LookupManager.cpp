@@ -1,46 +1,26 @@
 #include "storage/LookupManager.h"
 
-#include <map>
-#include <mutex>
+#include "os/OpenDevices.h"
 
 namespace libStorage {
-namespace {
 
-struct Table {
-    std::mutex mutex;
-    std::map<std::string, os::NativeHandle*> entries;
-};
-
-Table& table() {
-    static Table instance;
-    return instance;
-}
-
-}  // namespace
+// The table itself lives in the os layer, where the SCSI library (which may not depend on
+// this library) finds the same entries.
 
 void LookupManager::insert(const std::string& deviceName, os::NativeHandle* handle) {
-    Table& t = table();
-    std::lock_guard<std::mutex> lock(t.mutex);
-    t.entries[deviceName] = handle;
+    os::registerOpenDevice(deviceName, handle);
 }
 
 bool LookupManager::contains(const std::string& deviceName) {
-    Table& t = table();
-    std::lock_guard<std::mutex> lock(t.mutex);
-    return t.entries.count(deviceName) != 0;
+    return os::findOpenDevice(deviceName) != nullptr;
 }
 
 bool LookupManager::remove(const std::string& deviceName) {
-    Table& t = table();
-    std::lock_guard<std::mutex> lock(t.mutex);
-    return t.entries.erase(deviceName) != 0;
+    return os::unregisterOpenDevice(deviceName);
 }
 
 os::NativeHandle* LookupManager::get(const std::string& deviceName) {
-    Table& t = table();
-    std::lock_guard<std::mutex> lock(t.mutex);
-    auto found = t.entries.find(deviceName);
-    return found == t.entries.end() ? nullptr : found->second;
+    return os::findOpenDevice(deviceName);
 }
 
 }  // namespace libStorage

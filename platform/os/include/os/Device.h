@@ -23,6 +23,9 @@ enum Access : uint32_t {
     // block device (also refused while mounted), flock(LOCK_EX) on a regular file. Windows: no
     // sharing. Emulated devices: one exclusive handle at a time.
     kExclusive = 0x8,
+    // Neither read nor write: enough to ask the device's size and properties (Windows: desired
+    // access 0, which needs no administrator rights on a physical drive; elsewhere read-only).
+    kQuery = 0x10,
 };
 
 // Owns one open native handle and closes it on destruction. Move-only.
@@ -52,7 +55,9 @@ struct OpenResult {
 };
 
 // Opens `path` (UTF-8: /dev/sdb, an image file, \\.\PhysicalDrive1, or the name of a registered
-// emulated device). `access` must contain kRead or kReadWrite.
+// emulated device). `access` must contain kRead, kReadWrite or kQuery. Windows handles are
+// opened for overlapped I/O: readAt and writeAt on one handle may run in parallel from several
+// threads, and device control codes go through os::controlDevice (os/DeviceControl.h).
 OS_API OpenResult openDevice(const std::string& path, uint32_t access);
 OS_API OpenResult openDevice(const std::wstring& path, uint32_t access);
 
@@ -79,7 +84,8 @@ struct GeometryResult {
 };
 
 // The geometry of an open device. Block devices and physical drives report what the system
-// says; where the system has no cylinder/head/sector view (regular files, most virtual disks)
+// says, their size as the system's length query gives it (on Windows a volume such as \\.\E:
+// is its own length, not its disk's); where the system has no cylinder/head/sector view (regular files, most virtual disks)
 // the answer uses 512-byte sectors (or the device's logical sector size), 255 tracks per
 // cylinder and 63 sectors per track, and cylinders = whole sectors / (255 x 63).
 OS_API GeometryResult queryDiskGeometry(NativeHandle handle);

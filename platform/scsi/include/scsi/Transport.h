@@ -3,6 +3,9 @@
 // residual count and the time taken come out.
 //
 // Three transports stand behind it, chosen by device name in openTransport():
+//   - whatever a handle entered under that name in the table of open devices
+//     (os/OpenDevices.h, libStorage::LookupManager) reaches: a drive that holds its device
+//     open has every command sent through that handle, never a second one;
 //   - an emulated device registered with os::registerEmulatedDevice() that also derives from
 //     ScsiTarget (looked up first, by exact name);
 //   - Linux SG_IO for "/dev/..." names;
@@ -94,9 +97,10 @@ struct OpenResult {
     Status status = kStatusGood;
 };
 
-// Opens the transport for `deviceName` (UTF-8): a registered emulated ScsiTarget of exactly
-// that name first, else the operating system's pass-through. The caller owns the transport;
-// it closes the device when destroyed.
+// Opens the transport for `deviceName` (UTF-8): the handle entered under that name in the
+// table of open devices first (the transport borrows it and never closes it), else a
+// registered emulated ScsiTarget of exactly that name, else the operating system's
+// pass-through. The caller owns the transport; it closes a device it opened when destroyed.
 SCSI_API OpenResult openTransport(const std::string& deviceName);
 
 }  // namespace kivscsi

@@ -1,6 +1,7 @@
 // libStorage::LookupManager: the process-wide table of open devices by name, so that code which
 // only knows a device's name (the SCSI layer, a second object on the same drive) finds the
-// handle that is already open for it.
+// handle that is already open for it. A facade over os/OpenDevices.h: the SCSI library sends
+// the commands for an entered device through the entered handle instead of opening its own.
 #pragma once
 
 #include <string>
