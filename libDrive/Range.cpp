@@ -85,13 +85,13 @@ int64_t unitBytes(const kiv::String& unit) {
     return 1073741824;
 }
 
-// A sector count worked out in floating point, truncated toward zero and kept inside 64 bits.
-uint64_t truncatedSectors(double sectors) {
+// A sector count worked out in floating point, truncated toward zero and at most `most`.
+uint64_t truncatedSectors(double sectors, uint64_t most) {
     if (!(sectors > 0.0)) {
         return 0;
     }
-    if (sectors >= std::ldexp(1.0, 64)) {
-        return std::numeric_limits<uint64_t>::max();
+    if (sectors >= std::ldexp(1.0, 64) || static_cast<uint64_t>(sectors) > most) {
+        return most;
     }
     return static_cast<uint64_t>(sectors);
 }
@@ -186,7 +186,7 @@ CRange::CRange(const uint64_t& totalSectors, const unsigned int& bytesPerSector,
     const uint64_t span = endRange - startRange;
     if (usePercent) {
         sectorTotalToTest =
-            truncatedSectors(static_cast<double>(span) * (sectorPercentToTest / 100.0));
+            truncatedSectors(static_cast<double>(span) * (sectorPercentToTest / 100.0), span);
         if (sectorTotalToTest != 0) {
             jumpCount = span / sectorTotalToTest;
         }

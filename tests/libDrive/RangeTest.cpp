@@ -1,6 +1,7 @@
 // CRange: range texts into sectors, the amount to test, the large-drive texts and the clamps.
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -411,6 +412,21 @@ TEST_F(RangeTest, AmountsThatStillFitSixtyFourBitsAreClampedAtTheEnd) {
         EXPECT_EQ(range.GetEndRange(), kSectors);
         ASSERT_EQ(logged("libDrive.Range", 4).size(), 1u);
         EXPECT_EQ(logged("libDrive.Range", 4)[0].rfind("319 ", 0), 0u);
+    }
+}
+
+// On a drive of close to 2^64 sectors the span, turned into a double, rounds up past itself;
+// the amount to test must still not exceed the span, or the jump would be 0.
+TEST_F(RangeTest, WholeRangeOfAHugeDriveIsTestedWithAJumpOfOne) {
+    for (const uint64_t total : {std::numeric_limits<uint64_t>::max(), uint64_t{1} << 63}) {
+        SCOPED_TRACE(total);
+        quel5::Registry::instance().clearAllParameters();
+        set("StartRange", "711");
+        const CRange range(total, 4096, false, false);
+        // Within the double's rounding below the span, never above it.
+        EXPECT_LE(range.GetSectorTotalToTest(), total - 711);
+        EXPECT_GT(range.GetSectorTotalToTest(), total - 711 - 2048);
+        EXPECT_EQ(range.GetJumpCount(), 1u);
     }
 }
 
