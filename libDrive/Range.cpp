@@ -85,15 +85,15 @@ int64_t unitBytes(const kiv::String& unit) {
     return 1073741824;
 }
 
-// A sector count worked out in floating point, truncated toward zero and at most `most`.
-uint64_t truncatedSectors(double sectors, uint64_t most) {
-    if (!(sectors > 0.0)) {
-        return 0;
-    }
-    if (sectors >= std::ldexp(1.0, 64) || static_cast<uint64_t>(sectors) > most) {
-        return most;
-    }
-    return static_cast<uint64_t>(sectors);
+// `percent` of `span` in sectors, worked out in floating point and truncated toward zero. Up
+// to 100 percent it never exceeds the span, however the double rounds; above, the frame
+// refuses the amount.
+uint64_t sectorsOfPercent(uint64_t span, double percent) {
+    const double sectors = static_cast<double>(span) * (percent / 100.0);
+    if (!(sectors > 0.0)) return 0;
+    const uint64_t most = percent <= 100.0 ? span : std::numeric_limits<uint64_t>::max();
+    if (sectors >= std::ldexp(1.0, 64)) return most;
+    return static_cast<uint64_t>(sectors) < most ? static_cast<uint64_t>(sectors) : most;
 }
 
 }  // namespace
@@ -185,8 +185,8 @@ CRange::CRange(const uint64_t& totalSectors, const unsigned int& bytesPerSector,
 
     const uint64_t span = endRange - startRange;
     if (usePercent) {
-        sectorTotalToTest =
-            truncatedSectors(static_cast<double>(span) * (sectorPercentToTest / 100.0), span);
+        // Truncated toward zero, as the frame expects.
+        sectorTotalToTest = sectorsOfPercent(span, sectorPercentToTest);
         if (sectorTotalToTest != 0) {
             jumpCount = span / sectorTotalToTest;
         }
