@@ -25,10 +25,8 @@ std::unique_ptr<sim::SimulatedDrive> buildSimulatedDrive(const quel5::DiagDevice
     config.switches.provideEstimatedTime = true;
     config.recordOperations = false;
     auto drive = std::make_unique<sim::SimulatedDrive>(device, config);
-    for (const SectorSpan& span : described.bad) {
-        for (uint64_t i = 0; i < span.count; ++i)
-            drive->injectFault(span.first + i, sim::SectorFault::ReadFails);
-    }
+    for (const SectorSpan& span : described.bad)
+        drive->injectFaultSpan(span.first, span.count, sim::SectorFault::ReadFails);
     for (uint64_t sector : described.flaky) drive->injectFault(sector, sim::SectorFault::Flaky);
     for (uint64_t sector : described.internal)
         drive->injectFault(sector, sim::SectorFault::ReadInternalError);

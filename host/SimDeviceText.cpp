@@ -10,6 +10,8 @@ namespace {
 constexpr std::string_view kPrefix = "sim:";
 constexpr uint64_t kMaxSpan = 1000000;
 constexpr uint32_t kMaxCostMs = 60000;
+// bad=, flaky= and internal= entries together; each costs the drive one stored span.
+constexpr std::size_t kMaxFaultEntries = 1024;
 
 std::string lower(std::string_view text) {
     std::string out(text);
@@ -72,6 +74,10 @@ public:
     bool option(std::string_view name, std::string_view value) {
         if (name == "sector") return sectorSize(value);
         if (name == "cost") return cost(value);
+        const bool fault = name == "bad" || name == "flaky" || name == "internal";
+        if (fault && ++faultEntries_ > kMaxFaultEntries)
+            return fail(error_, "too many faults: at most " + std::to_string(kMaxFaultEntries) +
+                                    " bad=, flaky= and internal= entries together");
         if (name == "bad") return badSpan(value);
         if (name == "flaky") return single(value, "flaky", drive_.flaky);
         if (name == "internal") return single(value, "internal", drive_.internal);
@@ -154,6 +160,7 @@ private:
     SimDeviceDescription drive_;
     bool sawSector_ = false;
     bool sawCost_ = false;
+    std::size_t faultEntries_ = 0;
 };
 
 }  // namespace

@@ -8,7 +8,9 @@
 // 65536, default 512). bad marks COUNT sectors (default 1, at most 1,000,000 per entry) whose
 // reads fail; flaky a sector that reads differently after its first read; internal a sector
 // whose read ends a test with an internal error. cost is the time in milliseconds each read or
-// write takes (at most 60000). Every sector named must lie on the drive.
+// write takes (at most 60000). Every sector named must lie on the drive. At most 1024 bad, flaky
+// and internal entries are accepted together, so a text can never cost the drive more than that
+// many stored fault spans.
 #pragma once
 
 #include <cstdint>

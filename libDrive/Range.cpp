@@ -64,18 +64,18 @@ void checkRangeText(const kiv::String& text, const char* pattern, const wchar_t*
     }
 }
 
-// Decimal digits as a number; saturates at the largest value instead of wrapping.
-uint64_t decimalValue(const kiv::String& digits) {
+// Decimal digits as a number in `value`; false when the number does not fit 64 bits.
+bool decimalValue(const kiv::String& digits, uint64_t& value) {
     constexpr uint64_t kMax = std::numeric_limits<uint64_t>::max();
-    uint64_t value = 0;
+    value = 0;
     for (std::size_t i = 0; i < digits.length(); ++i) {
         const uint64_t digit = static_cast<uint64_t>(digits[i] - L'0');
         if (value > (kMax - digit) / 10) {
-            return kMax;
+            return false;
         }
         value = value * 10 + digit;
     }
-    return value;
+    return true;
 }
 
 // Bytes in one unit of a size text.
@@ -85,15 +85,15 @@ int64_t unitBytes(const kiv::String& unit) {
     return 1073741824;
 }
 
-// A sector count worked out in floating point, truncated toward zero and kept inside 64 bits.
-uint64_t truncatedSectors(double sectors) {
-    if (!(sectors > 0.0)) {
-        return 0;
-    }
-    if (sectors >= std::ldexp(1.0, 64)) {
-        return std::numeric_limits<uint64_t>::max();
-    }
-    return static_cast<uint64_t>(sectors);
+// `percent` of `span` in sectors, worked out in floating point and truncated toward zero. Up
+// to 100 percent it never exceeds the span, however the double rounds; above, the frame
+// refuses the amount.
+uint64_t sectorsOfPercent(uint64_t span, double percent) {
+    const double sectors = static_cast<double>(span) * (percent / 100.0);
+    if (!(sectors > 0.0)) return 0;
+    const uint64_t most = percent <= 100.0 ? span : std::numeric_limits<uint64_t>::max();
+    if (sectors >= std::ldexp(1.0, 64)) return most;
+    return static_cast<uint64_t>(sectors) < most ? static_cast<uint64_t>(sectors) : most;
 }
 
 }  // namespace
@@ -185,8 +185,8 @@ CRange::CRange(const uint64_t& totalSectors, const unsigned int& bytesPerSector,
 
     const uint64_t span = endRange - startRange;
     if (usePercent) {
-        sectorTotalToTest =
-            truncatedSectors(static_cast<double>(span) * (sectorPercentToTest / 100.0));
+        // Truncated toward zero, as the frame expects.
+        sectorTotalToTest = sectorsOfPercent(span, sectorPercentToTest);
         if (sectorTotalToTest != 0) {
             jumpCount = span / sectorTotalToTest;
         }
@@ -258,15 +258,28 @@ uint64_t CRange::GetRange(kiv::String text, RANGE_TYPE type) {
                                       matcher.getGroup(0) + L" 1." + anchor + L" 2." + sign +
                                       L" 3." + matcher.getGroup(3) + L" 4." + unit);
 
-    uint64_t value = decimalValue(matcher.getGroup(3));
+    // A number, product or sum that does not fit 64 bits would wrap to some small sector
+    // number and test the wrong area; it is an invalid range instead.
+    uint64_t value = 0;
+    if (!decimalValue(matcher.getGroup(3), value)) {
+        throw InvalidRange(kiv::String(L"the number does not fit 64 bits: ") + text);
+    }
     if (unit == L"%") {
-        value = value * totalSectors / 100;
+        uint64_t product = 0;
+        if (__builtin_mul_overflow(value, totalSectors, &product)) {
+            throw InvalidRange(kiv::String(L"the percentage does not fit 64 bits: ") + text);
+        }
+        value = product / 100;
     } else if (!unit.isEmpty()) {
         if (bytesPerSector == 0) {
             throw kiv::InternalError(kiv::String(L"a size needs a sector size above 0: ") + text);
         }
-        // Signed on purpose: a size that overflows shows up as negative and is caught below.
-        const int64_t bytes = static_cast<int64_t>(static_cast<uint64_t>(unitBytes(unit)) * value);
+        uint64_t product = 0;
+        if (__builtin_mul_overflow(static_cast<uint64_t>(unitBytes(unit)), value, &product)) {
+            throw InvalidRange(kiv::String(L"the size does not fit 64 bits: ") + text);
+        }
+        // Signed on purpose: a size from 2^63 bytes on shows up as negative and is caught below.
+        const int64_t bytes = static_cast<int64_t>(product);
         value = static_cast<uint64_t>(bytes / static_cast<int64_t>(bytesPerSector));
     }
 
@@ -281,7 +294,9 @@ uint64_t CRange::GetRange(kiv::String text, RANGE_TYPE type) {
     if (sign.isEmpty()) {
         result = anchor.isEmpty() ? value : base;
     } else if (sign == L"+") {
-        result = base + value;
+        if (__builtin_add_overflow(base, value, &result)) {
+            throw InvalidRange(kiv::String(L"the sum does not fit 64 bits: ") + text);
+        }
     } else {
         result = base - value;
     }

@@ -25,7 +25,8 @@ public:
     // Throws:
     //  - InvalidRange when no accepted amount parameter is usable (after raising
     //    "InvalidSectorPercentToTestValue" and/or "InvalidNumberOfSeeksValue" as errors) or
-    //    when the end does not lie above the start;
+    //    when the end does not lie above the start, or when a number in a range text, or a
+    //    size or percentage worked out from it, does not fit 64 bits (nothing is logged);
     //  - CannotRun (empty message) when a start or end text is malformed, after raising
     //    "InvalidRangeEntry" with "PARAMETER_NAME" as a warning;
     //  - kiv::InternalError when a text cannot be evaluated (or the sector size is 0 where a

@@ -1,47 +1,78 @@
 #include "sim/SectorFaults.h"
 
+#include <algorithm>
+#include <bit>
+#include <limits>
+
 namespace sim {
-namespace {
 
-uint8_t bit(SectorFault fault) { return static_cast<uint8_t>(fault); }
+std::size_t SectorFaults::kindOf(SectorFault fault) {
+    return static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(fault)));
+}
 
-}  // namespace
-
-void SectorFaults::add(uint64_t sector, SectorFault fault) { faults_[sector] |= bit(fault); }
+void SectorFaults::addSpan(uint64_t first, uint64_t count, SectorFault fault) {
+    if (count == 0) {
+        return;
+    }
+    Spans& spans = spans_[kindOf(fault)];
+    uint64_t end = first + std::min(count, std::numeric_limits<uint64_t>::max() - first);
+    // Swallow every span that overlaps or touches [first, end), widening the new one to cover
+    // them, beginning with the one that starts at or before `first`.
+    auto it = spans.upper_bound(first);
+    if (it != spans.begin() && std::prev(it)->second >= first) {
+        --it;
+    }
+    while (it != spans.end() && it->first <= end) {
+        first = std::min(first, it->first);
+        end = std::max(end, it->second);
+        it = spans.erase(it);
+    }
+    spans.emplace(first, end);
+}
 
 void SectorFaults::clear() {
-    faults_.clear();
+    for (Spans& spans : spans_) spans.clear();
     flakyReads_.clear();
 }
 
-bool SectorFaults::has(uint64_t sector, SectorFault fault) const {
-    const auto found = faults_.find(sector);
-    return found != faults_.end() && (found->second & bit(fault)) != 0;
-}
-
 std::optional<uint64_t> SectorFaults::firstWith(uint64_t first, uint64_t count,
-                                                uint8_t mask) const {
-    for (auto it = faults_.lower_bound(first); it != faults_.end() && it->first - first < count;
-         ++it) {
-        if ((it->second & mask) != 0) {
-            return it->first;
-        }
+                                                SectorFault fault) const {
+    if (count == 0) {
+        return std::nullopt;
+    }
+    const Spans& spans = spans_[kindOf(fault)];
+    auto it = spans.upper_bound(first);
+    if (it != spans.begin() && std::prev(it)->second > first) {
+        return first;  // inside a span that starts at or before `first`
+    }
+    if (it != spans.end() && it->first - first < count) {
+        return it->first;
     }
     return std::nullopt;
 }
 
+bool SectorFaults::has(uint64_t sector, SectorFault fault) const {
+    return firstWith(sector, 1, fault).has_value();
+}
+
+std::size_t SectorFaults::spanCount(SectorFault fault) const {
+    return spans_[kindOf(fault)].size();
+}
+
 std::optional<quel5::TestResult> SectorFaults::readFailure(uint64_t first, uint64_t count) const {
-    const auto sector =
-        firstWith(first, count, bit(SectorFault::ReadFails) | bit(SectorFault::ReadInternalError));
-    if (!sector) {
+    const auto failing = firstWith(first, count, SectorFault::ReadFails);
+    const auto internal = firstWith(first, count, SectorFault::ReadInternalError);
+    if (!failing && !internal) {
         return std::nullopt;
     }
-    return has(*sector, SectorFault::ReadInternalError) ? quel5::TestResult::INTERNALERROR
-                                                        : quel5::TestResult::FAIL;
+    if (internal && (!failing || *internal <= *failing)) {
+        return quel5::TestResult::INTERNALERROR;
+    }
+    return quel5::TestResult::FAIL;
 }
 
 bool SectorFaults::writeFails(uint64_t first, uint64_t count) const {
-    return firstWith(first, count, bit(SectorFault::WriteFails)).has_value();
+    return firstWith(first, count, SectorFault::WriteFails).has_value();
 }
 
 void SectorFaults::applyFlakyRead(uint64_t sector, uint8_t* data, uint32_t bytes) {

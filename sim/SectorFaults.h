@@ -1,6 +1,9 @@
-// Faults injected into single sectors of a simulated drive.
+// Faults injected into sectors of a simulated drive, kept as spans so that a fault over a
+// million sectors costs as little as one over a single sector.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -20,7 +23,11 @@ enum class SectorFault : uint8_t {
 class SectorFaults {
 public:
     // A sector may carry several faults; adding one keeps the others.
-    void add(uint64_t sector, SectorFault fault);
+    void add(uint64_t sector, SectorFault fault) { addSpan(sector, 1, fault); }
+    // Gives `fault` to the `count` sectors from `first` (none when count is 0; the span ends at
+    // the last 64-bit sector number at most). Overlapping and touching spans of one fault are
+    // merged, so their number never exceeds the number of spans added.
+    void addSpan(uint64_t first, uint64_t count, SectorFault fault);
     void clear();
 
     // The result of a read of [first, first + count) when a sector in it fails: the fault of
@@ -28,16 +35,23 @@ public:
     std::optional<quel5::TestResult> readFailure(uint64_t first, uint64_t count) const;
     bool writeFails(uint64_t first, uint64_t count) const;
     bool has(uint64_t sector, SectorFault fault) const;
+    // Separate spans stored for `fault` after merging.
+    std::size_t spanCount(SectorFault fault) const;
 
     // Alters `data` (one sector of `bytes`) as the flaky sector `sector` returns it on this
     // read: unchanged on its first read, then differently on each later one.
     void applyFlakyRead(uint64_t sector, uint8_t* data, uint32_t bytes);
 
 private:
-    // The first sector in [first, first + count) carrying any of `mask`, if there is one.
-    std::optional<uint64_t> firstWith(uint64_t first, uint64_t count, uint8_t mask) const;
+    // First sector -> one past the last, sorted, neither overlapping nor touching.
+    using Spans = std::map<uint64_t, uint64_t>;
 
-    std::map<uint64_t, uint8_t> faults_;
+    static constexpr std::size_t kKinds = 5;
+    static std::size_t kindOf(SectorFault fault);
+    // The first sector in [first, first + count) carrying `fault`, if there is one.
+    std::optional<uint64_t> firstWith(uint64_t first, uint64_t count, SectorFault fault) const;
+
+    std::array<Spans, kKinds> spans_;
     std::map<uint64_t, uint32_t> flakyReads_;
 };
 

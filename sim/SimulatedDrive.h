@@ -86,6 +86,11 @@ public:
 
     // Test side.
     void injectFault(uint64_t sector, SectorFault fault) { faults_.add(sector, fault); }
+    // Gives `fault` to `count` sectors from `first`; kept as one span whatever its length.
+    void injectFaultSpan(uint64_t first, uint64_t count, SectorFault fault) {
+        faults_.addSpan(first, count, fault);
+    }
+    const SectorFaults& faults() const { return faults_; }
     void clearFaults() { faults_.clear(); }
     DriveSwitches& switches() { return config_.switches; }
     const DriveCounters& counters() const { return counters_; }

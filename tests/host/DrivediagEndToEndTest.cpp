@@ -88,6 +88,34 @@ TEST_F(DrivediagEndToEndTest, ResultsAndExitCodesOfRunsOnSimulatedDrives) {
     }
 }
 
+// Texts that once crashed drivediag (tens of thousands of characters) or wrapped to a small
+// range (sizes past 64 bits) end as bad parameters before any sector is read.
+TEST_F(DrivediagEndToEndTest, LongAndOverflowingRangeTextsAreBadParameters) {
+    const struct {
+        const char* name;
+        std::string set;
+        const char* eventKey;
+    } cases[] = {
+        {"30000 digits", "StartRange=" + std::string(30000, '1'), "InvalidRangeEntry"},
+        {"MIN, 60000 blanks, +1", "StartRange=MIN" + std::string(60000, ' ') + "+1",
+         "InvalidRangeEntry"},
+        {"60000 digits and %", "EndRange=" + std::string(60000, '5') + "%", "InvalidRangeEntry"},
+        {"GB past 64 bits", "EndRange=17179869185GB", "END_RANGE_GREATER_THAN_START_RANGE"},
+        {"MB past 64 bits", "EndRange=18014398509481985MB", "END_RANGE_GREATER_THAN_START_RANGE"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const RunOutput run =
+            runDrivediag({"run", "linear-seek", "--json", "--device", "sim:4GiB", "--set", c.set});
+        EXPECT_EQ(run.exitCode, 3) << run.err;
+        EXPECT_NE(run.lineWith({"\"type\":\"event\"", std::string("\"key\":\"") + c.eventKey}), "");
+        EXPECT_EQ(run.countLinesWith("\"type\":\"progress\""), 0u) << "no sector was read";
+        ASSERT_FALSE(run.lines.empty());
+        EXPECT_EQ(run.lines.back(),
+                  "{\"type\":\"result\",\"result\":\"BADPARAMS\",\"exitCode\":3}");
+    }
+}
+
 TEST_F(DrivediagEndToEndTest, OverridesReplaceDefaultsInTheStartLine) {
     const RunOutput plain = runDrivediag({"run", "linear-seek", "--device", "sim:1000s"});
     EXPECT_EQ(plain.lines.front(),

@@ -1,6 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
+#include "host/DriveOpening.h"
 #include "host/SimDeviceText.h"
+#include "sim/SimulatedDrive.h"
 
 namespace host {
 
@@ -134,6 +139,69 @@ TEST(SimDeviceTextTest, OnlyTheSimPrefixMakesASimulatedDrive) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
         EXPECT_EQ(host::isSimDeviceText(c.text), c.simulated);
+    }
+}
+
+// Every fault entry costs the drive one stored span, so their number is bounded.
+TEST(SimDeviceTextTest, FaultEntriesAreBoundedTogether) {
+    const auto text = [](std::size_t bad, std::size_t flaky, std::size_t internal) {
+        std::string out = "sim:1TiB";
+        for (std::size_t i = 0; i < bad; ++i) out += ",bad=" + std::to_string(i * 10) + "+5";
+        for (std::size_t i = 0; i < flaky; ++i) out += ",flaky=" + std::to_string(i);
+        for (std::size_t i = 0; i < internal; ++i) out += ",internal=" + std::to_string(i);
+        return out;
+    };
+    const struct {
+        std::size_t bad, flaky, internal;
+        bool accepted;
+    } cases[] = {
+        {1024, 0, 0, true},   {1025, 0, 0, false}, {1000, 20, 4, true},
+        {1000, 20, 5, false}, {0, 1025, 0, false}, {0, 0, 1025, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(std::to_string(c.bad) + " bad, " + std::to_string(c.flaky) + " flaky, " +
+                     std::to_string(c.internal) + " internal");
+        std::string error;
+        const auto parsed = host::parseSimDeviceText(text(c.bad, c.flaky, c.internal), &error);
+        EXPECT_EQ(parsed.has_value(), c.accepted) << error;
+        if (parsed) {
+            EXPECT_EQ(parsed->bad.size(), c.bad);
+        } else {
+            EXPECT_NE(error.find("too many faults: at most 1024"), std::string::npos) << error;
+        }
+    }
+}
+
+// 40 spans of a million sectors once meant 40 million map entries (gigabytes); now each is one
+// stored span, answering exactly at its edges.
+TEST(SimDeviceTextTest, MillionSectorSpansOnATebibyteDriveAreStoredAsSpans) {
+    std::string text = "sim:1TiB";
+    constexpr uint64_t kSpan = 1000000;
+    constexpr uint64_t kStride = 50000000;
+    for (uint64_t i = 0; i < 40; ++i)
+        text += ",bad=" + std::to_string(i * kStride + 7) + "+1000000";
+    // Two more that touch and overlap the first one merge into it.
+    text += ",bad=1000007+10,bad=3+5";
+    const host::OpenResult opened = host::openDrive(text);
+    ASSERT_EQ(opened.failure, host::OpenFailure::None) << opened.error;
+    auto* drive = dynamic_cast<sim::SimulatedDrive*>(opened.opened.drive.get());
+    ASSERT_NE(drive, nullptr);
+    EXPECT_EQ(drive->faults().spanCount(sim::SectorFault::ReadFails), 40u);
+    std::vector<uint8_t> buffer(512);
+    const auto readAt = [&](uint64_t lba) {
+        return drive->ReadSectors(lba, 1, buffer.data(), static_cast<unsigned>(buffer.size()));
+    };
+    EXPECT_EQ(readAt(2), quel5::TestResult::PASS);
+    EXPECT_EQ(readAt(3), quel5::TestResult::FAIL);
+    EXPECT_EQ(readAt(1000016), quel5::TestResult::FAIL);
+    EXPECT_EQ(readAt(1000017), quel5::TestResult::PASS);
+    for (uint64_t i = 1; i < 40; ++i) {
+        const uint64_t first = i * kStride + 7;
+        SCOPED_TRACE(first);
+        EXPECT_EQ(readAt(first - 1), quel5::TestResult::PASS);
+        EXPECT_EQ(readAt(first), quel5::TestResult::FAIL);
+        EXPECT_EQ(readAt(first + kSpan - 1), quel5::TestResult::FAIL);
+        EXPECT_EQ(readAt(first + kSpan), quel5::TestResult::PASS);
     }
 }
 

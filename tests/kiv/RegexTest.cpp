@@ -102,4 +102,28 @@ TEST(RegexTest, MatcherOutlivesItsRegexAndFlagsApply) {
     EXPECT_TRUE(Regex("^caf\xC3\xA9.$", 0).matcher(L"caf\u00E9s").matches());
 }
 
+// Without the bound a text of many thousand characters overflows the stack (one engine call
+// per character), so these texts must be refused before the engine sees them.
+TEST(RegexTest, TextsPastTheBoundNeverMatchAndDoNotCrash) {
+    const Regex regex(kRangePattern, 0);
+    const std::size_t bound = Regex::MAX_TEXT_LENGTH;
+    const struct {
+        std::wstring text;
+        bool matches;
+    } cases[] = {
+        {std::wstring(bound, L'7'), true},
+        {L"MIN" + std::wstring(bound - 5, L' ') + L"+1", true},
+        {std::wstring(bound + 1, L'7'), false},
+        {L"MIN" + std::wstring(bound - 4, L' ') + L"+1", false},
+        {std::wstring(1 << 20, L'7') + L"%", false},
+    };
+    for (const auto& c : cases) {
+        kiv::Matcher whole = regex.matcher(c.text);
+        kiv::Matcher partial = regex.matcher(c.text);
+        EXPECT_EQ(whole.matches(), c.matches) << c.text.size() << " characters";
+        EXPECT_EQ(partial.find(), c.matches) << c.text.size() << " characters";
+        EXPECT_EQ(whole.getGroup(0).length(), c.matches ? c.text.size() : 0u);
+    }
+}
+
 }  // namespace

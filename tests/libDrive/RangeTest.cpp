@@ -1,6 +1,7 @@
 // CRange: range texts into sectors, the amount to test, the large-drive texts and the clamps.
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -353,6 +354,116 @@ TEST_F(RangeTest, LogsTheStepsOfAnEvaluation) {
         tracedGetter = tracedGetter || line.find("CRange::GetStartRange") != std::string::npos;
     }
     EXPECT_TRUE(tracedGetter);
+}
+
+struct OverflowCase {
+    const char* name;
+    const char* parameter;
+    std::string text;
+};
+
+// On a 4 GiB drive of 512-byte sectors. Each text names an amount beyond 64 bits, which must
+// not wrap to a small one (17179869185GB would otherwise be 1 GiB).
+TEST_F(RangeTest, AmountsBeyondSixtyFourBitsAreAnInvalidRangeNotAWrap) {
+    constexpr uint64_t kSectors = 8388608;
+    // clang-format off
+    const OverflowCase cases[] = {
+        {"GB product just past 2^64", "EndRange", "17179869185GB"},
+        {"GB product at 2^64", "EndRange", "17179869184GB"},
+        {"MB product past 2^64", "EndRange", "18014398509481985MB"},
+        {"KB product past 2^64", "EndRange", "MIN+18014398509481984KB"},
+        {"number at 2^64", "EndRange", "18446744073709551616"},
+        {"start number of 40 digits", "StartRange", std::string(40, '9')},
+        {"large-drive percentage product", "LargeDriveEndRange", "3000000000000%"},
+        {"large-drive sum past 2^64", "LargeDriveStartRange", "MAX+18446744073709551615"},
+    };
+    // clang-format on
+    for (const OverflowCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        clearLog();
+        set("AdjustForLargeDrives", "true");
+        set("LargeDriveSize", "1");
+        set(c.parameter, c.text.c_str());
+        try {
+            CRange range(kSectors, 512, false, false);
+            ADD_FAILURE() << "accepted " << range.GetStartRange() << ".." << range.GetEndRange();
+        } catch (const kivrlibdrive::InvalidRange& failure) {
+            EXPECT_NE(failure.getMessage().toUtf8().find(c.text), std::string::npos)
+                << failure.getMessage().toUtf8();
+        }
+        EXPECT_TRUE(logged("libDrive.Range", 4).empty()) << "no warning line is added";
+        EXPECT_TRUE(host.events().empty());
+    }
+}
+
+// The largest amounts that still fit 64 bits keep their old meaning: past the capacity, an end
+// is pulled back to it.
+TEST_F(RangeTest, AmountsThatStillFitSixtyFourBitsAreClampedAtTheEnd) {
+    constexpr uint64_t kSectors = 8388608;
+    for (const char* text : {"17179869183GB", "8589934592GB", "8589934591GB",
+                             "18446744073709551615", "17592186044415MB"}) {
+        SCOPED_TRACE(text);
+        quel5::Registry::instance().clearAllParameters();
+        clearLog();
+        set("EndRange", text);
+        const CRange range(kSectors, 512, false, false);
+        EXPECT_EQ(range.GetEndRange(), kSectors);
+        ASSERT_EQ(logged("libDrive.Range", 4).size(), 1u);
+        EXPECT_EQ(logged("libDrive.Range", 4)[0].rfind("319 ", 0), 0u);
+    }
+}
+
+// On a drive of close to 2^64 sectors the span, turned into a double, rounds up past itself;
+// the amount to test must still not exceed the span, or the jump would be 0.
+TEST_F(RangeTest, WholeRangeOfAHugeDriveIsTestedWithAJumpOfOne) {
+    for (const uint64_t total : {std::numeric_limits<uint64_t>::max(), uint64_t{1} << 63}) {
+        SCOPED_TRACE(total);
+        quel5::Registry::instance().clearAllParameters();
+        set("StartRange", "711");
+        const CRange range(total, 4096, false, false);
+        // Within the double's rounding below the span, never above it.
+        EXPECT_LE(range.GetSectorTotalToTest(), total - 711);
+        EXPECT_GT(range.GetSectorTotalToTest(), total - 711 - 2048);
+        EXPECT_EQ(range.GetJumpCount(), 1u);
+    }
+}
+
+struct LongTextCase {
+    const char* name;
+    const char* parameter;
+    std::string text;
+};
+
+// Texts of tens of thousands of characters once overflowed the stack of the pattern matcher.
+TEST_F(RangeTest, VeryLongTextsAreRefusedCleanly) {
+    // clang-format off
+    const LongTextCase cases[] = {
+        {"30000 digits", "StartRange", std::string(30000, '1')},
+        {"MIN, 60000 blanks, +1", "StartRange", "MIN" + std::string(60000, ' ') + "+1"},
+        {"60000 digits and a percent sign", "EndRange", std::string(60000, '5') + "%"},
+    };
+    // clang-format on
+    for (const LongTextCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        clearLog();
+        set(c.parameter, c.text.c_str());
+        EXPECT_THROW(CRange(1000000, 512, false, false), kivrlibdrive::CannotRun);
+        const auto events = host.events();
+        ASSERT_EQ(events.size(), 1u);
+        EXPECT_EQ(events[0].key, "InvalidRangeEntry");
+        EXPECT_EQ(events[0].get(L"PARAMETER_NAME").toString().toUtf8(), c.parameter);
+    }
+    // A large-drive text skips those patterns; the evaluation refuses it as it refuses any text
+    // it cannot take apart.
+    quel5::Registry::instance().clearAllParameters();
+    set("AdjustForLargeDrives", "true");
+    set("LargeDriveSize", "1");
+    set("LargeDriveEndRange", (std::string(30000, '1')).c_str());
+    EXPECT_THROW(CRange(4194304, 512, false, false), kiv::InternalError);
 }
 
 }  // namespace

@@ -6,7 +6,9 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kiv/Exception.h"
@@ -56,6 +58,69 @@ struct Fixture {
     quel5::DiagDevice device;
     sim::SimulatedDrive drive;
 };
+
+// Spans of one fault merge when they overlap or touch, and answer exactly at their edges.
+TEST(SectorFaults, SpansMergeAndAnswerAtTheirEdges) {
+    constexpr uint64_t kLast = std::numeric_limits<uint64_t>::max();
+    const struct {
+        const char* name;
+        std::vector<std::pair<uint64_t, uint64_t>> added;  // first, count
+        std::size_t spans;
+        std::vector<std::pair<uint64_t, bool>> sectors;  // sector, carries the fault
+    } cases[] = {
+        {"apart",
+         {{10, 5}, {30, 5}},
+         2,
+         {{9, false}, {10, true}, {14, true}, {15, false}, {29, false}, {34, true}, {35, false}}},
+        {"touching", {{15, 5}, {10, 5}}, 1, {{9, false}, {10, true}, {19, true}, {20, false}}},
+        {"inside another", {{10, 20}, {12, 3}}, 1, {{10, true}, {29, true}, {30, false}}},
+        {"bridging two",
+         {{10, 5}, {30, 5}, {14, 17}},
+         1,
+         {{9, false}, {22, true}, {34, true}, {35, false}}},
+        {"empty span", {{10, 0}}, 0, {{10, false}}},
+        {"at the top of 64 bits", {{kLast - 1, 5}}, 1, {{kLast - 2, false}, {kLast - 1, true}}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        sim::SectorFaults faults;
+        for (const auto& [first, count] : c.added)
+            faults.addSpan(first, count, SectorFault::ReadFails);
+        EXPECT_EQ(faults.spanCount(SectorFault::ReadFails), c.spans);
+        EXPECT_EQ(faults.spanCount(SectorFault::WriteFails), 0u);
+        for (const auto& [sector, expected] : c.sectors) {
+            EXPECT_EQ(faults.has(sector, SectorFault::ReadFails), expected) << sector;
+            EXPECT_FALSE(faults.has(sector, SectorFault::WriteFails)) << sector;
+        }
+    }
+}
+
+// The lowest failing sector of a read decides between FAIL and INTERNALERROR.
+TEST(SectorFaults, LowestFailingSectorOfASpanDecidesTheReadResult) {
+    sim::SectorFaults faults;
+    faults.addSpan(100, 50, SectorFault::ReadFails);
+    faults.addSpan(120, 1, SectorFault::ReadInternalError);
+    faults.addSpan(200, 10, SectorFault::ReadInternalError);
+    const struct {
+        uint64_t first, count;
+        std::optional<TestResult> expected;
+    } cases[] = {
+        {90, 10, std::nullopt},
+        {90, 11, TestResult::FAIL},
+        {115, 10, TestResult::FAIL},
+        {120, 1, TestResult::INTERNALERROR},
+        {121, 100, TestResult::FAIL},
+        {150, 50, std::nullopt},
+        {150, 51, TestResult::INTERNALERROR},
+        {209, 1, TestResult::INTERNALERROR},
+        {210, 1000, std::nullopt},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(faults.readFailure(c.first, c.count), c.expected) << c.first << "+" << c.count;
+    }
+    faults.clear();
+    EXPECT_EQ(faults.readFailure(0, 1000), std::nullopt);
+}
 
 TEST(SimulatedDrive, ReadFaultsAnswerForAnySectorTheReadCovers) {
     struct Row {

@@ -10,6 +10,9 @@ struct RegexProgram {
 
 namespace {
 
+// The engine recurses once per character; past the bound a text is not looked at.
+bool withinBound(const String& text) { return text.length() <= Regex::MAX_TEXT_LENGTH; }
+
 std::vector<String> groupsOf(const std::wsmatch& match) {
     std::vector<String> groups;
     for (const auto& group : match) groups.emplace_back(group.matched ? group.str() : L"");
@@ -42,7 +45,9 @@ Matcher::Matcher(std::shared_ptr<const RegexProgram> program, String text)
 bool Matcher::matches() {
     groups_.clear();
     std::wsmatch match;
-    if (!program_ || !std::regex_match(text_.str(), match, program_->expression)) return false;
+    if (!program_ || !withinBound(text_) ||
+        !std::regex_match(text_.str(), match, program_->expression))
+        return false;
     groups_ = groupsOf(match);
     return true;
 }
@@ -50,7 +55,9 @@ bool Matcher::matches() {
 bool Matcher::find() {
     groups_.clear();
     std::wsmatch match;
-    if (!program_ || !std::regex_search(text_.str(), match, program_->expression)) return false;
+    if (!program_ || !withinBound(text_) ||
+        !std::regex_search(text_.str(), match, program_->expression))
+        return false;
     groups_ = groupsOf(match);
     return true;
 }

@@ -2,6 +2,12 @@
 //
 // A pattern that does not compile never throws: isValid() answers false, getError() says why,
 // and every Matcher made from it fails to match.
+//
+// Bounded input: the engine underneath (the standard library's) goes one call deeper on the
+// stack for every character it consumes, about half a kibibyte per character for patterns like
+// the range texts'. A text longer than Regex::MAX_TEXT_LENGTH characters (wchar_t units) is
+// therefore never matched: matches() and find() answer false without looking at it. At that
+// length a match stays below 128 KiB of stack, well inside a 1 MiB thread stack.
 #pragma once
 
 #include <memory>
@@ -20,6 +26,8 @@ class KIV_API Regex {
 public:
     // Flags, combined with "|"; 0 is the plain case-sensitive ECMAScript syntax.
     static constexpr int CASE_INSENSITIVE = 1;
+    // The longest text a matcher looks at; longer texts never match.
+    static constexpr std::size_t MAX_TEXT_LENGTH = 256;
 
     // `pattern` is UTF-8.
     explicit Regex(const CString& pattern, int flags = 0);
@@ -39,9 +47,11 @@ private:
 
 class KIV_API Matcher {
 public:
-    // True when the pattern matches the whole text.
+    // True when the pattern matches the whole text. False for a text longer than
+    // Regex::MAX_TEXT_LENGTH.
     bool matches();
-    // True when the pattern matches somewhere in the text (the first such place).
+    // True when the pattern matches somewhere in the text (the first such place). False for a
+    // text longer than Regex::MAX_TEXT_LENGTH.
     bool find();
 
     // Group `n` of the last successful matches() or find(): 0 is the whole match, 1.. the
