@@ -33,8 +33,12 @@ constexpr ExitCodeRow kTable[] = {
     {11, "INCORRECTMEDIA: the media is not the one the test needs"},
     {12, "NOMEDIA: no media in the drive"},
     {kExitUsage, "usage error: bad command, option, test name, parameter or device text"},
+    {kExitUndoJournal,
+     "undo journal: one from an earlier run is in the way, or (restore) the file is not a journal "
+     "or was written for a device of another size or sector size"},
     {kExitNoDevice, "the device could not be opened"},
     {kExitSoftware, "the test ended with an unexpected exception"},
+    {kExitRestoreFailed, "restore: some sectors could not be written back or read back different"},
 };
 
 }  // namespace
