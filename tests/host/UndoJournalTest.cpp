@@ -329,4 +329,28 @@ TEST_F(UndoJournalTest, RestorePutsBackAndRefusesAnotherSize) {
     EXPECT_FALSE(std::filesystem::exists(path_));
 }
 
+// A run journals only when it preserves data, never over an earlier run's journal, and leaves
+// no journal behind when it gave every byte back.
+TEST_F(UndoJournalTest, ARunJournalsOnlyWhatItMustAndCleansUp) {
+    hosttest::TempImage image(kSectors * kSector);
+    const auto runPattern = [&](const std::string& preserve) {
+        return hosttest::runDrivediag({"run", "pattern", "--destructive", "--device", image.path(),
+                                       "--undo", path_, "--set", "PreserveData=" + preserve,
+                                       "--set", "NumberOfSeeks=8", "--set", "EndRange=MIN+64"});
+    };
+    std::ofstream(path_) << "an earlier run's journal";
+    const auto refused = runPattern("true");
+    EXPECT_EQ(refused.exitCode, 65) << refused.err;
+    EXPECT_NE(refused.err.find("drivediag restore " + path_), std::string::npos) << refused.err;
+    EXPECT_EQ(fileText(path_), "an earlier run's journal");
+    std::filesystem::remove(path_);
+
+    const auto preserved = runPattern("true");
+    EXPECT_EQ(preserved.exitCode, 0) << preserved.err << preserved.out;
+    EXPECT_FALSE(std::filesystem::exists(path_));
+    const auto discarded = runPattern("false");
+    EXPECT_EQ(discarded.exitCode, 0) << discarded.err;
+    EXPECT_FALSE(std::filesystem::exists(path_));
+}
+
 }  // namespace
