@@ -78,9 +78,11 @@ bool UndoJournal::beforeOverwrite(uint64_t first, uint32_t count, std::string* e
     uint64_t at = first;
     while (nextGap(at, end, &gapStart, &gapEnd)) {
         uint64_t recordEnd = gapEnd;
-        if (gapStart == lastRecordEnd_ && gapEnd == end) {
-            // An upward sweep: reach twice as far as last time, up to the next record.
-            const uint64_t reach = std::min(largest, 2 * lastRecordSectors_);
+        if (gapEnd == end && lastRecordEnd_ != UINT64_MAX && gapStart >= lastRecordEnd_ &&
+            gapStart - lastRecordEnd_ <= largest) {
+            // Writes walking upward, one after the other or a stride apart: reach twice as far
+            // past this write as the last record began before it, up to the next record.
+            const uint64_t reach = std::min(largest, 2 * (gapEnd - lastRecordStart_));
             recordEnd = std::max(gapEnd, std::min(gapStart + reach, nextEntryStart(gapStart)));
         }
         for (uint64_t piece = gapStart; piece < recordEnd;) {
@@ -104,8 +106,8 @@ bool UndoJournal::journal(uint64_t first, uint32_t count, std::string* error) {
         undo::encodeRecord(entry.id, first, count, entry.original.data(), entry.original.size());
     if (!file_->append(record.data(), record.size(), error)) return false;
     heldBytes_ += entry.original.size();
+    lastRecordStart_ = first;
     lastRecordEnd_ = first + count;
-    lastRecordSectors_ = count;
     index_.emplace(first, std::move(entry));
     return true;
 }

@@ -5,8 +5,9 @@
 // The journal follows what is written: a write that puts back exactly what a record holds
 // leaves those sectors clean. Once the device has been flushed, the records whose sectors are
 // all clean are marked done (or, when every record is, the file is cut back to its header).
-// When writes walk upward, each new record reaches further ahead (up to 4 MiB), so a sweep pays
-// for one flush of the journal per few MiB instead of one per write.
+// When writes walk upward (one after the other, or a stride of up to 4 MiB apart), each new
+// record reaches further ahead (up to 4 MiB), so a sweep pays for one flush of the journal per
+// few MiB instead of one per write.
 //
 // Not thread-safe; the drive that writes calls it.
 #pragma once
@@ -92,8 +93,8 @@ private:
     std::map<uint64_t, Entry> index_;  // by first sector; the entries never overlap
     uint64_t nextId_ = 1;
     uint64_t heldBytes_ = 0;
+    uint64_t lastRecordStart_ = 0;
     uint64_t lastRecordEnd_ = UINT64_MAX;
-    uint64_t lastRecordSectors_ = 0;
     bool finished_ = false;
 };
 

@@ -233,15 +233,16 @@ TEST_F(UndoJournalTest, CutOffAtAnyWriteThePendingRecordsGiveTheOriginalBack) {
 }
 
 TEST_F(UndoJournalTest, DoneOnceWrittenBackAndFlushedKeptOtherwise) {
+    // Downward, so that no record reaches ahead over the next one.
     auto journal = open();
-    ASSERT_TRUE(write(*journal, 100, Bytes(kSector, 0xFF)));
-    ASSERT_TRUE(write(*journal, 100, originalAt(100, 1)));
-    ASSERT_TRUE(write(*journal, 300, Bytes(kSector, 0x55)));  // left holding the pattern
-    ASSERT_TRUE(write(*journal, 500, Bytes(kSector, 0x11)));
+    ASSERT_TRUE(write(*journal, 3000, Bytes(kSector, 0xFF)));
+    ASSERT_TRUE(write(*journal, 3000, originalAt(3000, 1)));
+    ASSERT_TRUE(write(*journal, 2000, Bytes(kSector, 0x55)));  // left holding the pattern
+    ASSERT_TRUE(write(*journal, 1000, Bytes(kSector, 0x11)));
     // A write back that failed leaves the sector unknown: still to be put back.
     std::string error;
-    ASSERT_TRUE(journal->beforeOverwrite(500, 1, &error));
-    journal->afterWrite(500, 1, originalAt(500, 1).data(), false);
+    ASSERT_TRUE(journal->beforeOverwrite(1000, 1, &error));
+    journal->afterWrite(1000, 1, originalAt(1000, 1).data(), false);
     // Before a flush nothing is done: the write back may still sit in a cache.
     EXPECT_EQ(parse(fileText(path_))->pending.size(), 3u);
     ASSERT_TRUE(journal->deviceFlushed(&error)) << error;
@@ -249,9 +250,9 @@ TEST_F(UndoJournalTest, DoneOnceWrittenBackAndFlushedKeptOtherwise) {
     ASSERT_TRUE(contents.has_value());
     EXPECT_EQ(contents->doneRecords, 1u);
     ASSERT_EQ(contents->pending.size(), 2u);
-    EXPECT_EQ(contents->pending[0].firstSector, 300u);
-    EXPECT_EQ(contents->pending[0].data, originalAt(300, 1));
-    EXPECT_EQ(contents->pending[1].firstSector, 500u);
+    EXPECT_EQ(contents->pending[0].firstSector, 2000u);
+    EXPECT_EQ(contents->pending[0].data, originalAt(2000, 1));
+    EXPECT_EQ(contents->pending[1].firstSector, 1000u);
     EXPECT_EQ(journal->pendingRecords(), 2u);
     EXPECT_FALSE(journal->finish());
     EXPECT_TRUE(std::filesystem::exists(path_));
