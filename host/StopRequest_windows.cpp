@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <atomic>
+#include <csignal>
 
 #include "host/StopFlag.h"
 #include "host/StopRequest.h"
@@ -36,9 +37,18 @@ BOOL WINAPI onConsoleEvent(DWORD event) {
     }
 }
 
+// A SIGINT raised inside the process (raise(), the C runtime) rather than by the console.
+void onRaisedInterrupt(int number) {
+    g_interrupted.store(true);
+    stopFlag().store(true);
+    std::signal(number, SIG_DFL);
+}
+
 }  // namespace
 
 void installInterruptHandler() {
+    // Before the console handler: the one registered last is asked first.
+    std::signal(SIGINT, onRaisedInterrupt);
     g_interrupted.store(false);
     if (g_runDone == nullptr) g_runDone = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     if (g_runDone != nullptr) ResetEvent(g_runDone);
@@ -48,6 +58,7 @@ void installInterruptHandler() {
 void removeInterruptHandler() {
     if (g_runDone != nullptr) SetEvent(g_runDone);
     SetConsoleCtrlHandler(onConsoleEvent, FALSE);
+    std::signal(SIGINT, SIG_DFL);
 }
 
 }  // namespace host
