@@ -3,16 +3,19 @@
 # cache tests with PreserveData=true on a loop device over an image of random data and compares
 # the device's SHA-256 before and after: after a whole run, after a run stopped in the middle
 # with Ctrl-C (SIGINT), and on a second loop device holding a mounted filesystem, which both
-# tests must refuse (DEVICEBUSY) without writing to it. A control run with PreserveData=false
-# shows that the comparison does see the tests' writes. refusal_checks adds an ext4 image file
-# mounted through a loop device (refused through the file and through the loop device, with the
-# mount point named) and a read-only loop device (refused before the test, exit code 77). One PASS/FAIL line per check; exits 1
+# tests must refuse (DEVICEBUSY) without writing to it; and after runs killed with SIGKILL at
+# random moments and put back with `drivediag restore` from their undo journal. A control run
+# with PreserveData=false shows that the comparison does see the tests' writes. refusal_checks
+# adds an ext4 image file mounted through a loop device (refused through the file and through
+# the loop device, with the mount point named) and a read-only loop device (refused before the
+# test, exit code 77). One PASS/FAIL line per check; exits 1
 # when any check failed.
 #
 # Usage: bench/data-safety.sh [IMAGE_MIB]
 #   IMAGE_MIB  size of the random image, 64 to 256 (default 128)
 #   DRIVEDIAG  environment: the drivediag to run (default: build/release/bin/drivediag, built
 #              by scripts/run.sh or `cmake --build build/release --target drivediag`)
+#   KILL_ROUNDS  environment: rounds of SIGKILL and `drivediag restore` (default 50)
 # Needs root (losetup, mount), mkfs.ext4 and filefrag.
 set -euo pipefail
 
@@ -166,6 +169,49 @@ code=0
     --set EndRange=MIN+1MB --set NumberOfSeeks=16 > "$work/control.jsonl" || code=$?
 after=$(device_hash "$loop")
 check $((code != 0 || $(same "$before" "$after") == 0)) "control, pattern with PreserveData=false: exit code $code, device changed"
+
+# SIGKILL cannot be caught: the undo journal must cover it. Runs pattern and cache alternately,
+# kills each after a random number (1 to 1500) of completed writes on the device, puts the
+# journal back with `drivediag restore` and compares the device's hash with the original.
+writes_done() {  # DEVICE: write requests the device has completed
+    awk '{ print $5 }' "/sys/block/$(basename "$1")/stat"
+}
+killed_and_restored() {  # DEVICE ROUND
+    local device=$1 round=$2 test=pattern target code=0 journal="$work/undo.journal"
+    local args=(--set NumberOfSeeks=100000)
+    if ((round % 2 == 1)); then test=cache args=(--set MaxErrors=100000); fi
+    target=$(($(writes_done "$device") + 1 + RANDOM % 1500))
+    "$drivediag" run "$test" --destructive --device "$device" --json --undo "$journal" \
+        --set PreserveData=true "${args[@]}" > "$work/killed.jsonl" &
+    runner=$!
+    while kill -0 "$runner" 2> /dev/null && (($(writes_done "$device") < target)); do
+        sleep 0.001
+    done
+    kill -KILL "$runner" 2> /dev/null || true
+    wait "$runner" || code=$?
+    runner=""
+    local restored="no journal left"
+    if [[ -f $journal ]]; then
+        "$drivediag" restore "$journal" > "$work/restore.txt" 2>&1 || restored="restore failed"
+        [[ $restored == "restore failed" ]] || restored="restored"
+    fi
+    echo "$code $restored"
+}
+kill_loop() {  # DEVICE ROUNDS
+    local device=$1 rounds=$2 original equal=0 round outcome
+    original=$(device_hash "$device")
+    for ((round = 0; round < rounds; round++)); do
+        outcome=$(killed_and_restored "$device" "$round")
+        if [[ $(device_hash "$device") == "$original" ]]; then
+            equal=$((equal + 1))
+        else
+            echo "      round $round ($outcome): device differs"
+        fi
+    done
+    check $((equal != rounds)) "SIGKILL and restore, $rounds rounds: $equal gave the original sha256 back"
+}
+
+kill_loop "$loop" "${KILL_ROUNDS:-50}"
 
 head -c $((64 * 1024 * 1024)) /dev/urandom > "$work/fs.img"
 fs_loop=$(losetup --find --show "$work/fs.img")

@@ -9,6 +9,11 @@ if(NOT TARGET blockdrive)
   find_package(Threads REQUIRED)
   add_library(blockdrive STATIC
     ${CMAKE_CURRENT_LIST_DIR}/BlockDeviceDrive.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/BlockDeviceDriveUndo.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/Crc32c.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/DurableFile_${BLOCKDRIVE_PLATFORM}.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/UndoJournal.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/UndoJournalFormat.cpp
     ${CMAKE_CURRENT_LIST_DIR}/BlockDevice_${BLOCKDRIVE_PLATFORM}.cpp
     ${CMAKE_CURRENT_LIST_DIR}/ReadAhead.cpp
     ${CMAKE_CURRENT_LIST_DIR}/ReadPattern.cpp

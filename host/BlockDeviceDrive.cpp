@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "host/UndoJournal.h"
 #include "kiv/Log.h"
 #include "os/Utf8.h"
 
@@ -132,9 +133,17 @@ TestResult BlockDeviceDrive::WriteSectors(const uint64_t& startSector, unsigned 
     if (!writer_.valid()) {
         return failed(path_ + " cannot be written", TestResult::FAIL);
     }
+    std::string why;
+    if (undo_ != nullptr && !undo_->beforeOverwrite(startSector, sectors, &why)) {
+        return failed(path_ + ": not written, its data could not be journaled: " + why,
+                      TestResult::FAIL);
+    }
     // The bytes are only read from: a write never moves data into the caller's buffer.
     auto* bytes = static_cast<unsigned char*>(const_cast<void*>(buffer));
-    return transfer(Direction::Write, startSector, sectors, bytes);
+    const TestResult written = transfer(Direction::Write, startSector, sectors, bytes);
+    if (undo_ != nullptr)
+        undo_->afterWrite(startSector, sectors, bytes, written == TestResult::PASS);
+    return written;
 }
 
 TestResult BlockDeviceDrive::VerifySectors(const uint64_t& startSector, unsigned int count) {
@@ -170,6 +179,7 @@ TestResult BlockDeviceDrive::FlushCache() {
                                                         ? TestResult::INTERNALERROR
                                                         : TestResult::FAIL);
     }
+    confirmFlushToJournal();
     return TestResult::PASS;
 }
 
@@ -214,6 +224,8 @@ TestResult BlockDeviceDrive::unLock() {
         const os::Error error = blockdevice::flush(writer_.native());
         if (!error.ok()) {
             logText(kiv::LogPriority::Warning, path_ + ": " + error.message);
+        } else {
+            confirmFlushToJournal();
         }
         writer_.close();
     }

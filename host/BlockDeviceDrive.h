@@ -35,6 +35,8 @@
 
 namespace host {
 
+class UndoJournal;
+
 class BlockDeviceDrive : public kivrlibdrive::Drive {
 public:
     // Does not touch the device; call OpenDevice(). `device` must outlive the drive.
@@ -82,6 +84,11 @@ public:
     bool IsRerunAllowed() override;
     bool ConfirmRerun() override;
 
+    // From now on every write first journals what it overwrites in `journal` (not owned; it
+    // must outlive the drive or be detached with nullptr), and the journal learns of every
+    // write and every flush of the device. Defined in BlockDeviceDriveUndo.cpp.
+    void attachUndoJournal(UndoJournal* journal);
+
     const std::string& path() const { return path_; }
     // True when transfers currently bypass the system's cache.
     bool usesDirectIo() const { return direct_; }
@@ -112,6 +119,10 @@ private:
     quel5::TestResult failed(const std::string& why, quel5::TestResult result);
     // Records `why` as the lock's failure and reports DEVICEBUSY through the Drive base.
     quel5::TestResult refuseLock(const std::string& why);
+    // The sectors as the device holds them, bypassing read-ahead: the undo journal's source.
+    bool readFromDevice(uint64_t first, uint32_t count, unsigned char* into, std::string* error);
+    // Tells the undo journal that the device has committed every completed write.
+    void confirmFlushToJournal();
     uint32_t imageSectorSize() const;
 
     std::string path_;
@@ -128,6 +139,7 @@ private:
     AlignedBuffer scratch_;
     std::string lastError_;
     std::string lockFailure_;
+    UndoJournal* undo_ = nullptr;
     // Last, so that its reads in flight end before the handles close.
     std::unique_ptr<ReadAhead> readAhead_;
 };

@@ -21,6 +21,7 @@ std::optional<Command> commandNamed(const std::string& name) {
     if (name == "list") return Command::List;
     if (name == "help") return Command::Help;
     if (name == "make-checksum-file") return Command::MakeChecksumFile;
+    if (name == "restore") return Command::Restore;
     return std::nullopt;
 }
 
@@ -42,6 +43,8 @@ public:
             return fail("run needs the name of a test (see drivediag tests)");
         if (line_.command == Command::MakeChecksumFile && line_.files.size() != 2 && !line_.help)
             return fail("make-checksum-file needs a data file and an output file");
+        if (line_.command == Command::Restore && line_.files.empty() && !line_.help)
+            return fail("restore needs the undo journal to put back");
         if (yes_ && no_) return fail("--yes and --no exclude each other");
         line_.answer = yes_ ? PromptAnswer::Yes : no_ ? PromptAnswer::No : PromptAnswer::Cancel;
         return line_;
@@ -58,7 +61,7 @@ private:
             const auto command = commandNamed(argument);
             if (!command) {
                 fail("unknown command \"" + argument +
-                     "\" (commands: run, tests, list, make-checksum-file, help)");
+                     "\" (commands: run, tests, list, make-checksum-file, restore, help)");
                 return false;
             }
             line_.command = *command;
@@ -70,6 +73,10 @@ private:
             return true;
         }
         if (line_.command == Command::MakeChecksumFile && line_.files.size() < 2) {
+            line_.files.push_back(argument);
+            return true;
+        }
+        if (line_.command == Command::Restore && line_.files.empty()) {
             line_.files.push_back(argument);
             return true;
         }
@@ -95,7 +102,7 @@ private:
             equals == std::string::npos ? std::nullopt
                                         : std::optional<std::string>(argument.substr(equals + 1));
         const bool takesValue = name == "--device" || name == "--set" || name == "--log" ||
-                                name == "--log-level" || name == "--map" ||
+                                name == "--undo" || name == "--log-level" || name == "--map" ||
                                 mediumOptionKey(name) != nullptr;
         if (!takesValue && inline_) {
             fail(name + " takes no value");
@@ -118,7 +125,8 @@ private:
             fail("unknown option " + name);
             return false;
         }
-        if (!runOnly(name)) return false;
+        if (!(name == "--device" && line_.command == Command::Restore) && !runOnly(name))
+            return false;
         const auto text = value(name, inline_);
         if (!text) return false;
         if (name == "--device") return device(*text);
@@ -129,6 +137,7 @@ private:
             return true;
         }
         if (name == "--log") return logFile(*text);
+        if (name == "--undo") return undoFile(*text);
         return logLevel(*text);
     }
 
@@ -198,6 +207,15 @@ private:
         return true;
     }
 
+    bool undoFile(const std::string& text) {
+        if (line_.undoFile || text.empty()) {
+            fail(text.empty() ? "--undo needs a file name" : "--undo is given twice");
+            return false;
+        }
+        line_.undoFile = text;
+        return true;
+    }
+
     bool logLevel(const std::string& text) {
         if (text.size() != 1 || text[0] < '1' || text[0] > '5') {
             fail("--log-level " + text + ": expected a priority from 1 (everything) to 5");
@@ -225,6 +243,9 @@ const char* kGeneralUsage =
     "  make-checksum-file DATA OUT\n"
     "                       write DATA followed by its MD5 digest to OUT, the file the\n"
     "                       checksum test looks for on a test medium\n"
+    "  restore JOURNAL [--device DEV]\n"
+    "                       put back the data a destructive run that did not end\n"
+    "                       cleanly left in its undo journal (drivediag restore --help)\n"
     "  help                 show this text\n"
     "\n"
     "--json makes any command write one JSON object per line.\n";
@@ -232,6 +253,7 @@ const char* kGeneralUsage =
 const char* kRunUsage =
     "usage: drivediag run TEST [--device DEV] [--set KEY=VALUE]... [--json]\n"
     "                          [--log FILE] [--log-level N] [--yes | --no]\n"
+    "                          [--destructive [--undo FILE]]\n"
     "\n"
     "  --device DEV       the drive to test (default: a built-in simulated drive):\n"
     "                       a block device (/dev/sdb, /dev/loop0, \\\\.\\PhysicalDrive1),\n"
@@ -249,7 +271,13 @@ const char* kRunUsage =
     "                       above; without --log they go to standard error (default 4)\n"
     "  --yes, --no        how to answer the test's questions (default: cancel)\n"
     "  --destructive      allow the tests that write to the drive (pattern, cache); they\n"
-    "                       write the data back, but a crash or power cut loses it\n"
+    "                       write the data back, and with PreserveData=true first save\n"
+    "                       what they overwrite in an undo journal, so that even after a\n"
+    "                       crash or power cut drivediag restore puts it back\n"
+    "  --undo FILE        the undo journal (default: beside --log FILE, else in\n"
+    "                       $XDG_STATE_HOME/drivediag, ~/.local/state/drivediag or\n"
+    "                       %LOCALAPPDATA%\\drivediag); removed when the run gave every\n"
+    "                       byte back\n"
     "\n"
     "The checksum test reads a file on a test medium instead of a --device:\n"
     "  --drive-letter E   the medium's drive letter (--set DriveLetter=E)\n"
@@ -259,7 +287,18 @@ const char* kRunUsage =
     "                     (--set ChecksumFile=, FallbackFile=, ExpectedChecksum=,\n"
     "                       MaxMediaPrompts=, MediaName=, FailIfNotFound=); see README\n"
     "\n"
-    "Ctrl-C asks the test to stop at its next check; a second Ctrl-C ends drivediag.\n";
+    "Ctrl-C, SIGTERM, SIGHUP and SIGQUIT (Windows: Ctrl-C, Ctrl-Break, closing the\n"
+    "console, logoff, shutdown) ask the test to stop at its next check; it writes its\n"
+    "data back first. A second signal of the same kind ends drivediag at once.\n";
+
+const char* kRestoreUsage =
+    "usage: drivediag restore JOURNAL [--device DEV] [--json]\n"
+    "\n"
+    "Writes back every record of the undo journal JOURNAL that its run did not write back\n"
+    "itself, newest first, on the device the journal names (or DEV), then reads each back\n"
+    "and compares. Refused when the device has another size or sector size than the\n"
+    "journal says, or is in use. The journal is removed once everything reads back as\n"
+    "journaled.\n";
 
 }  // namespace
 
@@ -270,7 +309,9 @@ std::optional<CommandLine> parseCommandLine(const std::vector<std::string>& args
 
 std::string usageText(Command command) {
     std::ostringstream text;
-    text << (command == Command::Run ? kRunUsage : kGeneralUsage);
+    text << (command == Command::Run       ? kRunUsage
+             : command == Command::Restore ? kRestoreUsage
+                                           : kGeneralUsage);
     text << "\nExit codes:\n";
     for (const ExitCodeRow& row : exitCodeTable()) {
         text << "  " << (row.code < 10 ? " " : "") << row.code << "  " << row.meaning << "\n";

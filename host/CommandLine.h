@@ -11,7 +11,7 @@ namespace host {
 // How message boxes are answered: --yes, --no, or (neither) the cancel-like answer.
 enum class PromptAnswer { Cancel, Yes, No };
 
-enum class Command { Help, Run, Tests, List, MakeChecksumFile };
+enum class Command { Help, Run, Tests, List, MakeChecksumFile, Restore };
 
 struct CommandLine {
     Command command = Command::Help;
@@ -21,11 +21,12 @@ struct CommandLine {
     std::vector<std::pair<std::string, std::string>> sets;  // --set KEY=VALUE, in order
     bool json = false;
     std::optional<std::string> logFile;
-    std::optional<int> logLevel;  // 1..5
+    std::optional<std::string> undoFile;  // --undo FILE: the destructive run's undo journal
+    std::optional<int> logLevel;          // 1..5
     PromptAnswer answer = PromptAnswer::Cancel;
     bool destructive = false;  // --destructive: tests that write may run
     std::vector<std::pair<std::string, std::string>> maps;  // --map LETTER=DIRECTORY, in order
-    std::vector<std::string> files;                         // make-checksum-file: DATA and OUT
+    std::vector<std::string> files;  // make-checksum-file: DATA and OUT; restore: the journal
 };
 
 // The command line of `args` (the arguments after the program name), or nullopt with a reason

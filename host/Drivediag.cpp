@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "host/BlockDeviceDrive.h"
 #include "host/ChecksumFileMaker.h"
 #include "host/ChecksumSetup.h"
 #include "host/CommandLine.h"
@@ -11,13 +12,18 @@
 #include "host/DriveOpening.h"
 #include "host/ExitCodes.h"
 #include "host/Json.h"
+#include "host/LibraryRegistration.h"
 #include "host/LogSession.h"
 #include "host/ParameterSetup.h"
 #include "host/StopRequest.h"
 #include "host/TestTable.h"
+#include "host/UndoLocation.h"
+#include "host/UndoRestore.h"
+#include "host/UndoRun.h"
 #include "kiv/Exception.h"
 #include "libDrive/LibDrive.h"
 #include "quel5/Host.h"
+#include "quel5/Registry.h"
 
 namespace host {
 namespace {
@@ -33,13 +39,30 @@ std::string testNames() {
     return names;
 }
 
-// The library is registered once per process, before the first drive or test exists.
-void registerLibraryOnce() {
-    static const bool registered = (kivrlibdrive::initLibDrive(), true);
-    (void)registered;
+// True when the run's parameters ask the test to write the data it overwrites back.
+bool preservesData() {
+    const quel5::Parameter* preserve =
+        quel5::Registry::instance().findParameter(QuelString("PreserveData"));
+    return preserve != nullptr && preserve->value().valueBool();
 }
 
-// The framework host and the Ctrl-C handler, for one run.
+// The undo journal of a destructive run that preserves data on a real disk or image; none
+// otherwise (a simulated drive keeps nothing, and with PreserveData=false the person asked for
+// the data to go). False with a reason in *error when the run must not start.
+bool startJournal(const CommandLine& line, const TestDefinition& test, kivrlibdrive::Drive& drive,
+                  std::unique_ptr<RunJournal>* journal, std::string* error) {
+    auto* disk = dynamic_cast<BlockDeviceDrive*>(&drive);
+    if (!test.destructive || disk == nullptr || !preservesData()) return true;
+    const std::string path = undoJournalPath(line.undoFile, line.logFile, disk->path());
+    if (path.empty()) {
+        *error = "no folder for the undo journal (HOME is not set); choose a file with --undo";
+        return false;
+    }
+    *journal = RunJournal::start(path, *disk, error);
+    return *journal != nullptr;
+}
+
+// The framework host and the stop-signal handlers, for one run.
 class RunScope {
 public:
     explicit RunScope(ConsoleHost& host) {
@@ -63,8 +86,8 @@ int runTest(const CommandLine& line, const Console& console) {
     if (test->destructive && !line.destructive)
         return usageError(console, "the " + test->name +
                                        " test overwrites sectors of the drive (it writes their "
-                                       "data back, but a crash or power cut loses it); add "
-                                       "--destructive to run it");
+                                       "data back, and keeps an undo journal for a crash or "
+                                       "power cut); add --destructive to run it");
     ParameterValues sets = line.sets;
     std::string error;
     std::optional<MediumSettings> medium;
@@ -89,11 +112,16 @@ int runTest(const CommandLine& line, const Console& console) {
         console.err << "drivediag: cannot open " << opened.error << "\n";
         return kExitNoDevice;
     }
-
     if (test->destructive && opened.opened.drive->IsWriteProtected()) {
         console.err << "drivediag: " << deviceText << " is read-only (write-protected); the "
                     << test->name << " test writes to it and was not started\n";
         return kExitReadOnly;
+    }
+
+    std::unique_ptr<RunJournal> journal;
+    if (!startJournal(line, *test, *opened.opened.drive, &journal, &error)) {
+        console.err << "drivediag: " << error << "\n";
+        return kExitUndoJournal;
     }
 
     std::unique_ptr<ConsoleHost> host;
@@ -117,6 +145,7 @@ int runTest(const CommandLine& line, const Console& console) {
     }
     if (const std::string refusal = lockRefusalOf(*opened.opened.drive); !refusal.empty())
         console.err << "drivediag: the device was not locked: " << refusal << "\n";
+    if (journal) journal->finish(console, line.json);
     const int code = exitCodeFor(result);
     host->runFinished(result, code);
     return code;
@@ -193,6 +222,8 @@ int runDrivediag(const std::vector<std::string>& args, const Console& console) {
             return listDrivesCommand(*line, console);
         case Command::MakeChecksumFile:
             return makeChecksumFileCommand(*line, console);
+        case Command::Restore:
+            return restoreCommand(*line, console);
         case Command::Help:
             break;
     }

@@ -23,7 +23,7 @@ constexpr ExitCodeRow kTable[] = {
     {1, "FAIL: the test found errors"},
     {2, "WARN: the test ended with a warning"},
     {3, "BADPARAMS: the test parameters do not fit the drive"},
-    {4, "USERABORTED: stopped by Ctrl-C"},
+    {4, "USERABORTED: stopped by Ctrl-C or another termination signal"},
     {5, "INTERNALERROR: the drive or the test failed internally"},
     {6, "NODEVICE: the drive has no usable handle"},
     {7, "NOTSUPPORTED: the drive does not support the test"},
@@ -33,9 +33,13 @@ constexpr ExitCodeRow kTable[] = {
     {11, "INCORRECTMEDIA: the media is not the one the test needs"},
     {12, "NOMEDIA: no media in the drive"},
     {kExitUsage, "usage error: bad command, option, test name, parameter or device text"},
+    {kExitUndoJournal,
+     "undo journal: one from an earlier run is in the way, or (restore) the file is not a journal "
+     "or was written for a device of another size or sector size"},
     {kExitNoDevice, "the device could not be opened"},
     {kExitSoftware, "the test ended with an unexpected exception"},
     {kExitReadOnly, "the device is read-only: a test that writes to it was not started"},
+    {kExitRestoreFailed, "restore: some sectors could not be written back or read back different"},
 };
 
 }  // namespace

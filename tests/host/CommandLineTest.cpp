@@ -59,6 +59,19 @@ TEST(CommandLineTest, ValidCommandLines) {
         l.answer = PromptAnswer::No;
         cases.push_back({{"run", "t", "--device=a=b", "--no"}, l});
     }
+    {
+        CommandLine l = run("pattern");
+        l.destructive = true;
+        l.undoFile = "j.journal";
+        cases.push_back({{"run", "pattern", "--undo", "j.journal", "--destructive"}, l});
+    }
+    {
+        CommandLine l;
+        l.command = Command::Restore;
+        l.files = {"j.journal"};
+        l.device = "/dev/loop3";
+        cases.push_back({{"restore", "--device", "/dev/loop3", "j.journal"}, l});
+    }
     for (const Case& c : cases) {
         std::string joined;
         for (const auto& a : c.args) joined += a + " ";
@@ -75,6 +88,9 @@ TEST(CommandLineTest, ValidCommandLines) {
         EXPECT_EQ(parsed->logFile, c.expected.logFile);
         EXPECT_EQ(parsed->logLevel, c.expected.logLevel);
         EXPECT_EQ(parsed->answer, c.expected.answer);
+        EXPECT_EQ(parsed->destructive, c.expected.destructive);
+        EXPECT_EQ(parsed->undoFile, c.expected.undoFile);
+        EXPECT_EQ(parsed->files, c.expected.files);
     }
 }
 
@@ -102,6 +118,11 @@ TEST(CommandLineTest, InvalidCommandLinesSayWhy) {
         {{"run", "t", "--verbose"}, "unknown option --verbose"},
         {{"list", "--device", "x"}, "belongs to the run command"},
         {{"tests", "--set", "A=1"}, "belongs to the run command"},
+        {{"restore"}, "restore needs the undo journal"},
+        {{"restore", "a", "b"}, "unexpected argument \"b\""},
+        {{"restore", "a", "--undo", "b"}, "belongs to the run command"},
+        {{"run", "t", "--undo="}, "--undo needs a file name"},
+        {{"run", "t", "--undo", "a", "--undo", "b"}, "--undo is given twice"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.errorMentions);
