@@ -51,7 +51,7 @@ uint32_t BlockDeviceDrive::imageSectorSize() const {
 }
 
 TestResult BlockDeviceDrive::OpenDevice() {
-    if (reader_.valid()) {
+    if (handle_.valid()) {
         return TestResult::PASS;
     }
     blockdevice::Opened opened = blockdevice::openDevice(path_, false, true);
@@ -78,13 +78,35 @@ TestResult BlockDeviceDrive::OpenDevice() {
         alignment_ *= 2;
     }
     writeProtected_ = blockdevice::isWriteProtected(path_, kind_, opened.handle.native());
-    reader_ = std::move(opened.handle);
-    startReadAhead();
+    switchHandle(std::move(opened), false);
     return TestResult::PASS;
 }
 
+void BlockDeviceDrive::switchHandle(blockdevice::Opened opened, bool writable) {
+    // Its reads go through the handle about to close.
+    readAhead_.reset();
+    handle_ = std::move(opened.handle);
+    direct_ = opened.direct;
+    writable_ = writable;
+    startReadAhead();
+}
+
+bool BlockDeviceDrive::reopenReadOnly() {
+    blockdevice::Opened opened = blockdevice::openDevice(path_, false, direct_);
+    if (!opened.error.ok()) {
+        readAhead_.reset();
+        handle_.close();
+        writable_ = false;
+        failed(path_ + " cannot be reopened for reading: " + opened.error.message,
+               TestResult::INTERNALERROR);
+        return false;
+    }
+    switchHandle(std::move(opened), false);
+    return true;
+}
+
 void BlockDeviceDrive::startReadAhead() {
-    const os::NativeHandle handle = reader_.native();
+    const os::NativeHandle handle = handle_.native();
     readAhead_ = std::make_unique<ReadAhead>(
         [handle](uint64_t offset, unsigned char* buffer, size_t bytes) {
             return os::readAt(handle, offset, buffer, bytes);
@@ -98,16 +120,16 @@ ReadAheadCounters BlockDeviceDrive::readAheadCounters() const {
 
 TestResult BlockDeviceDrive::CloseDevice() {
     readAhead_.reset();
-    writer_.close();
-    reader_.close();
+    handle_.close();
+    writable_ = false;
     return TestResult::PASS;
 }
 
-void* BlockDeviceDrive::GetHandle() { return blockdevice::toDriveHandle(reader_.native()); }
+void* BlockDeviceDrive::GetHandle() { return blockdevice::toDriveHandle(handle_.native()); }
 
 TestResult BlockDeviceDrive::ReadSectors(const uint64_t& startSector, unsigned int count,
                                          void* buffer, unsigned int bufferSize) {
-    if (!reader_.valid()) {
+    if (!handle_.valid()) {
         return failed(path_ + " is not open", TestResult::INTERNALERROR);
     }
     const unsigned int sectors = wholeBufferCount(count, bufferSize);
@@ -119,7 +141,7 @@ TestResult BlockDeviceDrive::ReadSectors(const uint64_t& startSector, unsigned i
 
 TestResult BlockDeviceDrive::WriteSectors(const uint64_t& startSector, unsigned int count,
                                           const void* buffer, unsigned int bufferSize) {
-    if (!reader_.valid()) {
+    if (!handle_.valid()) {
         return failed(path_ + " is not open", TestResult::INTERNALERROR);
     }
     if (!lockingManager.isLocked()) {
@@ -130,7 +152,7 @@ TestResult BlockDeviceDrive::WriteSectors(const uint64_t& startSector, unsigned 
     if (!acceptsRange(startSector, sectors) || !acceptsBuffer(sectors, buffer, bufferSize)) {
         return TestResult::FAIL;
     }
-    if (!writer_.valid()) {
+    if (!writable_) {
         return failed(path_ + " cannot be written", TestResult::FAIL);
     }
     std::string why;
@@ -147,7 +169,7 @@ TestResult BlockDeviceDrive::WriteSectors(const uint64_t& startSector, unsigned 
 }
 
 TestResult BlockDeviceDrive::VerifySectors(const uint64_t& startSector, unsigned int count) {
-    if (!reader_.valid()) {
+    if (!handle_.valid()) {
         return failed(path_ + " is not open", TestResult::INTERNALERROR);
     }
     if (!acceptsRange(startSector, count)) {
@@ -167,13 +189,13 @@ TestResult BlockDeviceDrive::VerifySectors(const uint64_t& startSector, unsigned
 }
 
 TestResult BlockDeviceDrive::FlushCache() {
-    if (!reader_.valid()) {
+    if (!handle_.valid()) {
         return failed(path_ + " is not open", TestResult::INTERNALERROR);
     }
-    if (!writer_.valid()) {
+    if (!writable_) {
         return TestResult::PASS;  // unLock() flushed whatever was written
     }
-    const os::Error error = blockdevice::flush(writer_.native());
+    const os::Error error = blockdevice::flush(handle_.native());
     if (!error.ok()) {
         return failed(path_ + ": " + error.message, blockdevice::isDeviceGone(error.code)
                                                         ? TestResult::INTERNALERROR
@@ -189,27 +211,26 @@ TestResult BlockDeviceDrive::lock() {
         // Refused before any write: a test must not learn it from a row of failed writes.
         return refuseLock(path_ + " is read-only (write-protected)");
     }
-    lockingManager.setDriveHandle(reader_.native());
+    if (handle_.valid() && !writable_) {
+        blockdevice::Opened opened = blockdevice::openDevice(path_, true, direct_);
+        if (!opened.error.ok()) {
+            return refuseLock(path_ + " cannot be opened for writing: " + opened.error.message);
+        }
+        // Windows refuses to lock a volume with anything open on it, and a locked volume
+        // answers only the handle that locked it: the read-write handle replaces the read-only
+        // one before the lock and carries every transfer until unLock().
+        switchHandle(std::move(opened), true);
+    }
+    lockingManager.setDriveHandle(handle_.native());
     const TestResult locked = Drive::lock();
     if (locked != TestResult::PASS) {
         lockFailure_ = os::toUtf8(lockingManager.lastFailure());
         failed(lockFailure_, locked);
-        return locked;
+        lockingManager.setDriveHandle(os::invalidNativeHandle());
+        if (writable_) {
+            reopenReadOnly();
+        }
     }
-    if (writer_.valid() || !reader_.valid()) {
-        return locked;
-    }
-    blockdevice::Opened opened = blockdevice::openDevice(path_, true, direct_);
-    if (!opened.error.ok()) {
-        Drive::unLock();
-        return refuseLock(path_ + " cannot be opened for writing: " + opened.error.message);
-    }
-    if (opened.direct != direct_ && !reopenCached()) {
-        // Reads and writes must share one view of the data: both cached or both direct.
-        Drive::unLock();
-        return refuseLock(path_ + " cannot be reopened for cached transfers");
-    }
-    writer_ = std::move(opened.handle);
     return locked;
 }
 
@@ -220,16 +241,21 @@ TestResult BlockDeviceDrive::refuseLock(const std::string& why) {
 }
 
 TestResult BlockDeviceDrive::unLock() {
-    if (writer_.valid()) {
-        const os::Error error = blockdevice::flush(writer_.native());
+    if (writable_) {
+        const os::Error error = blockdevice::flush(handle_.native());
         if (!error.ok()) {
             logText(kiv::LogPriority::Warning, path_ + ": " + error.message);
         } else {
             confirmFlushToJournal();
         }
-        writer_.close();
     }
-    return Drive::unLock();
+    // Released through the handle that took it, so before that handle closes.
+    const TestResult unlocked = Drive::unLock();
+    lockingManager.setDriveHandle(os::invalidNativeHandle());
+    if (writable_) {
+        reopenReadOnly();
+    }
+    return unlocked;
 }
 
 unsigned int BlockDeviceDrive::wholeBufferCount(unsigned int count, unsigned int bufferSize) const {
@@ -301,8 +327,7 @@ TestResult BlockDeviceDrive::transfer(Direction direction, uint64_t startSector,
 
 os::IoResult BlockDeviceDrive::move(Direction direction, uint64_t offset, unsigned char* buffer,
                                     size_t bytes) {
-    const os::NativeHandle handle =
-        direction == Direction::Read ? reader_.native() : writer_.native();
+    const os::NativeHandle handle = handle_.native();
     if (!direct_ || isAligned(buffer, alignment_)) {
         return direction == Direction::Read ? os::readAt(handle, offset, buffer, bytes)
                                             : os::writeAt(handle, offset, buffer, bytes);
@@ -331,22 +356,16 @@ os::IoResult BlockDeviceDrive::move(Direction direction, uint64_t offset, unsign
 }
 
 bool BlockDeviceDrive::reopenCached() {
-    blockdevice::Opened reader = blockdevice::openDevice(path_, false, false);
-    if (!reader.error.ok()) {
+    blockdevice::Opened reopened = blockdevice::openDevice(path_, writable_, false);
+    if (!reopened.error.ok()) {
         return false;
     }
-    if (writer_.valid()) {
-        blockdevice::Opened writer = blockdevice::openDevice(path_, true, false);
-        if (!writer.error.ok()) {
-            return false;
-        }
-        writer_ = std::move(writer.handle);
+    switchHandle(std::move(reopened), writable_);
+    if (lockingManager.isLocked()) {
+        // Only image files get here; their lock is held on a handle of its own (Windows: a
+        // duplicate of the old one), which the old handle's closing does not release.
+        lockingManager.setDriveHandle(handle_.native());
     }
-    // Its reads go through the handle about to close.
-    readAhead_.reset();
-    reader_ = std::move(reader.handle);
-    direct_ = false;
-    startReadAhead();
     return true;
 }
 

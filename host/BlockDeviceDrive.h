@@ -17,9 +17,14 @@
 // Results of reads and writes: PASS; FAIL for a request outside the device or not fitting its
 // buffer (the device and the buffer are left untouched) and for sectors the device cannot
 // transfer; INTERNALERROR when the device is not open or has gone away; DEVICEBUSY for a write
-// while the drive is not locked. The drive is opened read-only: lock() takes the disk through
-// the Drive base's locking manager and only then opens it for writing, until unLock(); a disk
-// it cannot write is refused there, before the first write.
+// while the drive is not locked.
+//
+// The drive holds one handle on the device at a time, and every read, write, flush and read
+// ahead goes through it. It is read-only until lock(), which replaces it with a read-write
+// handle and takes the disk through the Drive base's locking manager with that same handle:
+// Windows lets a locked volume be used only through the handle that locked it. unLock() goes
+// back to a read-only handle. A disk it cannot write is refused in lock(), before anything is
+// opened for writing.
 //
 // Not thread-safe; one test uses it at a time.
 #pragma once
@@ -66,16 +71,20 @@ public:
     // Opens the device read-only and reads its geometry. PASS, or NODEVICE with lastError() set.
     // PASS at once when already open.
     quel5::TestResult OpenDevice() override;
-    // Closes the device (the write handle too). PASS.
+    // Closes the device's handle. PASS.
     quel5::TestResult CloseDevice() override;
     bool IsWriteProtected() override;
-    // The file descriptor (Windows: the HANDLE) as a pointer; invalidDriveHandle() when closed.
+    // The file descriptor (Windows: the HANDLE) of the one handle every transfer goes through,
+    // as a pointer: read-only, or while locked the read-write one the lock was taken with.
+    // invalidDriveHandle() when closed. It changes on lock() and unLock().
     void* GetHandle() override;
-    // Drive::lock(), then opens the device for writing. DEVICEBUSY (the "DeviceBusy" event
-    // raised, lockFailure() set, nothing locked) when the volumes cannot be taken, when the
-    // device is write-protected (checked first) and when it cannot be opened for writing.
+    // Reopens the device for reading and writing, then Drive::lock() through that handle.
+    // DEVICEBUSY (the "DeviceBusy" event raised, lockFailure() set, nothing locked, the drive
+    // back on a read-only handle) when the device is write-protected (checked first, before
+    // any open), when it cannot be opened for writing and when the volumes cannot be taken.
     quel5::TestResult lock() override;
-    // Flushes and closes the write handle, then Drive::unLock().
+    // Flushes, Drive::unLock() (through the handle that took the lock), then reopens the device
+    // read-only; when that reopen fails the drive is closed (lastError() says why). PASS.
     quel5::TestResult unLock() override;
     // No removable medium to check: false, and CheckMedia answers PASS.
     bool NeedsMediaCheck() override;
@@ -97,7 +106,8 @@ public:
     // Why the last lock() was refused, for a person (UTF-8): the mount point, the loop device,
     // the read-only device. "" when it was not refused or lock() was never called.
     const std::string& lockFailure() const { return lockFailure_; }
-    // What read-ahead did since the device was last opened (or reopened without direct I/O).
+    // What read-ahead did since the device's handle last changed: opened, locked, unlocked or
+    // reopened without direct I/O.
     ReadAheadCounters readAheadCounters() const;
 
 private:
@@ -112,9 +122,16 @@ private:
     quel5::TestResult transfer(Direction direction, uint64_t startSector, unsigned int count,
                                unsigned char* buffer);
     os::IoResult move(Direction direction, uint64_t offset, unsigned char* buffer, size_t bytes);
-    // Reopens every handle without direct I/O. False when the device cannot be reopened.
+    // Makes `opened` (REQUIRES: no error) the drive's handle, closing the previous one, and
+    // restarts read-ahead over it.
+    void switchHandle(blockdevice::Opened opened, bool writable);
+    // Replaces the handle by a read-only one. False (lastError_ set, the drive closed) when the
+    // device cannot be reopened.
+    bool reopenReadOnly();
+    // Reopens the handle, as writable as it was, without direct I/O. False when the device
+    // cannot be reopened (the old handle stays).
     bool reopenCached();
-    // Read-ahead over the current read handle. REQUIRES: reader_ is open.
+    // Read-ahead over handle_. REQUIRES: handle_ is open.
     void startReadAhead();
     quel5::TestResult failed(const std::string& why, quel5::TestResult result);
     // Records `why` as the lock's failure and reports DEVICEBUSY through the Drive base.
@@ -127,8 +144,9 @@ private:
 
     std::string path_;
     blockdevice::Kind kind_ = blockdevice::Kind::Disk;
-    os::DeviceHandle reader_;
-    os::DeviceHandle writer_;
+    // Read-only, or read-write (writable_) from lock() to unLock().
+    os::DeviceHandle handle_;
+    bool writable_ = false;
     bool direct_ = false;
     bool writeProtected_ = false;
     uint32_t bytesPerSector_ = 0;

@@ -13,8 +13,8 @@ void BlockDeviceDrive::attachUndoJournal(UndoJournal* journal) {
             return readFromDevice(first, count, into, error);
         },
         [this](std::string* error) {
-            if (!writer_.valid()) return true;  // nothing written since the last unLock()
-            const os::Error flushed = blockdevice::flush(writer_.native());
+            if (!writable_) return true;  // nothing written since the last unLock()
+            const os::Error flushed = blockdevice::flush(handle_.native());
             if (!flushed.ok()) *error = path_ + ": " + flushed.message;
             return flushed.ok();
         },

@@ -327,6 +327,71 @@ TEST_F(BlockDeviceDriveTest, ReadOnlyImageIsWriteProtectedAndNeverWritten) {
     EXPECT_EQ(image.contents(), imageBytes(0, kMiB));
 }
 
+// Exposes the handle the drive gave its locking manager.
+class LockHandleDrive : public host::BlockDeviceDrive {
+public:
+    using BlockDeviceDrive::BlockDeviceDrive;
+    void* lockingHandle() { return host::blockdevice::toDriveHandle(lockingManager.driveHandle()); }
+};
+
+// True when the drive's current handle accepts a write (of the bytes already there).
+bool handleWrites(kivrlibdrive::Drive& drive) {
+    TestBuffer buffer(4096, 0);
+    const os::NativeHandle handle = host::blockdevice::fromDriveHandle(drive.GetHandle());
+    if (!os::readAt(handle, 0, buffer.data(), buffer.size()).error.ok()) return false;
+    return os::writeAt(handle, 0, buffer.data(), buffer.size()).error.ok();
+}
+
+// Windows answers a locked volume only through the handle that locked it, so while locked the
+// drive must read and write through that one handle, and be read-only again after unLock().
+TEST_F(BlockDeviceDriveTest, WhileLockedEveryTransferUsesTheHandleTheLockWasTakenWith) {
+    ImageFile image("lockhandle", kMiB);
+    const quel5::DiagDevice device = deviceFor(image);
+    LockHandleDrive drive(device);
+    ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
+    struct Step {
+        const char* name;
+        enum { None, Lock, Unlock } action;
+        bool writable;
+        bool lockedThroughIt;
+    };
+    const Step steps[] = {
+        {"opened", Step::None, false, false},
+        {"locked", Step::Lock, true, true},
+        {"unlocked", Step::Unlock, false, false},
+        {"locked again", Step::Lock, true, true},
+    };
+    uint8_t fill = 0x30;
+    std::vector<uint8_t> expected = imageBytes(0, kMiB);
+    for (const Step& step : steps) {
+        SCOPED_TRACE(step.name);
+        if (step.action == Step::Lock) {
+            ASSERT_EQ(drive.lock(), TestResult::PASS) << drive.lastError();
+        }
+        if (step.action == Step::Unlock) {
+            ASSERT_EQ(drive.unLock(), TestResult::PASS);
+        }
+        ASSERT_NE(drive.GetHandle(), kivrlibdrive::invalidDriveHandle());
+        EXPECT_EQ(handleWrites(drive), step.writable);
+        EXPECT_EQ(drive.lockingHandle() == drive.GetHandle(), step.lockedThroughIt);
+        const std::vector<uint8_t> data = filled(512, fill++);
+        EXPECT_EQ(drive.WriteSectors(40, 1, data.data(), 512),
+                  step.writable ? TestResult::PASS : TestResult::DEVICEBUSY);
+        if (step.writable) expected = patched(expected, 40 * 512, data);
+        std::vector<uint8_t> readBack(512);
+        EXPECT_EQ(drive.ReadSectors(40, 1, readBack.data(), 512), TestResult::PASS);
+        EXPECT_EQ(readBack,
+                  std::vector<uint8_t>(expected.begin() + 40 * 512, expected.begin() + 41 * 512));
+    }
+    // Reads and writes both end once the locking handle is gone: neither has another handle.
+    os::closeNativeHandle(host::blockdevice::fromDriveHandle(drive.GetHandle()));
+    std::vector<uint8_t> buffer(512, 0x42);
+    EXPECT_EQ(drive.ReadSectors(100, 1, buffer.data(), 512), TestResult::INTERNALERROR);
+    EXPECT_EQ(drive.WriteSectors(100, 1, buffer.data(), 512), TestResult::INTERNALERROR);
+    drive.CloseDevice();
+    EXPECT_EQ(image.contents(), expected);
+}
+
 TEST_F(BlockDeviceDriveTest, HandleFollowsOpenAndClose) {
     ImageFile image("handle", kMiB);
     const quel5::DiagDevice device = deviceFor(image);

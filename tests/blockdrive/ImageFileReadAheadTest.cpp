@@ -164,8 +164,9 @@ TEST_F(ImageFileReadAheadTest, WritesUnderLockAreSeenByTheSweepAfterThem) {
         SCOPED_TRACE(c.name);
         ImageFile image("write", 2 * kMiB);
         auto drive = open(image);
-        sweep(*drive, 0, 4 * 64, 64, 64);
+        // Locked first: lock() changes the drive's handle, which starts read-ahead afresh.
         ASSERT_EQ(drive->lock(), TestResult::PASS);
+        sweep(*drive, 0, 4 * 64, 64, 64);
         const std::vector<uint8_t> written(8 * kSector, 0xA5);
         ASSERT_EQ(drive->WriteSectors(c.sector, 8, written.data(), 8 * kSector), TestResult::PASS)
             << drive->lastError();

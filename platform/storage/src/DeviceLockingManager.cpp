@@ -36,6 +36,8 @@ DeviceLockingManager::~DeviceLockingManager() = default;
 
 void DeviceLockingManager::setDriveHandle(os::NativeHandle handle) { impl_->driveHandle = handle; }
 
+os::NativeHandle DeviceLockingManager::driveHandle() const { return impl_->driveHandle; }
+
 bool DeviceLockingManager::lockVolumes() {
     if (impl_->hold) {
         return true;

@@ -34,6 +34,8 @@ public:
     // through which lockVolumes claims what cannot be claimed beside an open handle.
     // invalidNativeHandle() (the default) when the drive holds none.
     void setDriveHandle(os::NativeHandle handle);
+    // What setDriveHandle() was last given.
+    os::NativeHandle driveHandle() const;
 
     // True when the disk is now held exclusively by this object (also when it already was).
     bool lockVolumes();
