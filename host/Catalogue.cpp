@@ -1,5 +1,7 @@
 #include "host/Catalogue.h"
 
+#include <string_view>
+
 namespace host {
 namespace {
 
@@ -184,12 +186,35 @@ constexpr CatalogueEntry kStrings[] = {
     {"UnformattedMediaPrompt", "The media is not formatted. Insert formatted media."},
 };
 
-std::string_view find(std::span<const CatalogueEntry> entries, std::string_view key) {
+constexpr std::string_view find(std::span<const CatalogueEntry> entries, std::string_view key) {
     for (const auto& entry : entries) {
         if (entry.key == key) return entry.text;
     }
     return {};
 }
+
+// The library's keys, straight from its vocabulary table, so that a key added there without an
+// English text here stops the build.
+constexpr std::string_view kLibraryEventKeys[] = {
+#define LIBDRIVE_EVENT(key, member) key,
+#include "libDrive/Vocabulary.inc"
+};
+constexpr std::string_view kLibraryStringKeys[] = {
+#define LIBDRIVE_LOCALIZED_STRING(key, member) key,
+#include "libDrive/Vocabulary.inc"
+};
+
+consteval bool hasTextForEveryKey(std::span<const CatalogueEntry> entries,
+                                  std::span<const std::string_view> keys) {
+    for (const std::string_view key : keys) {
+        if (find(entries, key).empty()) return false;
+    }
+    return true;
+}
+
+static_assert(hasTextForEveryKey(kEvents, kLibraryEventKeys), "an event key has no English text");
+static_assert(hasTextForEveryKey(kStrings, kLibraryStringKeys),
+              "a localized-string key has no English text");
 
 }  // namespace
 

@@ -1,5 +1,6 @@
-// Every key the library creates has an English text, and every placeholder in a text names a
-// variable that the library sets on that key, so no text can show an unfilled {Name}.
+// The catalogue holds texts only for keys in the library's vocabulary table, and every placeholder
+// in a text names a variable that the library sets on that key, so no text can show an unfilled
+// {Name}. That every key has a text is checked where the catalogue is compiled.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -8,7 +9,6 @@
 
 #include "host/Catalogue.h"
 #include "host/Placeholders.h"
-#include "quel5/Registry.h"
 
 namespace {
 
@@ -70,12 +70,15 @@ const VariableTable kStringVariables = {
     {"MEDIA_READ_ONLY", {"MediaName"}},
 };
 
-template <typename Handle>
-std::set<std::string> keysOf(const std::vector<Handle*>& handles) {
-    std::set<std::string> keys;
-    for (const Handle* handle : handles) keys.insert(handle->key().toUtf8());
-    return keys;
-}
+const std::set<std::string> kLibraryEventKeys = {
+#define LIBDRIVE_EVENT(key, member) key,
+#include "libDrive/Vocabulary.inc"
+};
+
+const std::set<std::string> kLibraryStringKeys = {
+#define LIBDRIVE_LOCALIZED_STRING(key, member) key,
+#include "libDrive/Vocabulary.inc"
+};
 
 // Checks one kind of key: the library's keys against the catalogue and the variable table.
 void checkCatalogue(const std::set<std::string>& libraryKeys,
@@ -83,10 +86,8 @@ void checkCatalogue(const std::set<std::string>& libraryKeys,
                     std::string_view (*textOf)(std::string_view), const VariableTable& variables) {
     for (const std::string& key : libraryKeys) {
         SCOPED_TRACE(key);
-        const std::string_view text = textOf(key);
-        EXPECT_FALSE(text.empty()) << "no text";
         const auto known = variables.find(key);
-        for (const std::string& name : host::placeholderNames(text)) {
+        for (const std::string& name : host::placeholderNames(textOf(key))) {
             EXPECT_TRUE(known != variables.end() && known->second.count(name) == 1)
                 << "{" << name << "} is never set on this key";
         }
@@ -104,15 +105,11 @@ void checkCatalogue(const std::set<std::string>& libraryKeys,
 }
 
 TEST(CatalogueTest, EveryEventHasATextShowingOnlyItsVariables) {
-    const auto keys = keysOf(quel5::Registry::instance().events());
-    ASSERT_EQ(keys.size(), 74u);
-    checkCatalogue(keys, host::eventCatalogue(), host::eventText, kEventVariables);
+    checkCatalogue(kLibraryEventKeys, host::eventCatalogue(), host::eventText, kEventVariables);
 }
 
 TEST(CatalogueTest, EveryLocalizedStringHasATextShowingOnlyItsVariables) {
-    const auto keys = keysOf(quel5::Registry::instance().localizedStrings());
-    ASSERT_EQ(keys.size(), 82u);
-    checkCatalogue(keys, host::stringCatalogue(), host::stringText, kStringVariables);
+    checkCatalogue(kLibraryStringKeys, host::stringCatalogue(), host::stringText, kStringVariables);
 }
 
 TEST(CatalogueTest, TextsTheTestsShowMostNameTheirNumbers) {
