@@ -2,12 +2,14 @@
 
 #include <memory>
 
+#include "host/ScsiTraceLog.h"
 #include "kiv/Exception.h"
 #include "kiv/Log.h"
 
 namespace host {
 
 LogSession::~LogSession() {
+    if (tracing_) kivscsi::installTraceSink(previousTrace_);
     if (addedSink_) kiv::LogFactory::removeAllSinks();
     if (previousPriority_) kiv::LogFactory::setPriority(*previousPriority_);
 }
@@ -31,6 +33,8 @@ bool LogSession::start(const std::optional<std::string>& file, std::optional<int
         previousPriority_ = kiv::LogFactory::getPriority();
         kiv::LogFactory::setPriority(*level);
     }
+    previousTrace_ = kivscsi::installTraceSink(makeScsiTraceLog());
+    tracing_ = true;
     return true;
 }
 

@@ -1,11 +1,11 @@
 // Choosing the transport by name, the library's own failures, what the device returned, and
-// the trace of every command.
+// the trace of every command to the installed sink.
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
 #include <vector>
 
-#include "kiv/Log.h"
 #include "os/VirtualClock.h"
 #include "scsi/Scsi.h"
 #include "scsi/TracingTransport.h"
@@ -147,48 +147,29 @@ TEST_F(TransportTest, DurationIsMeasuredOnTheOneClock) {
     EXPECT_EQ(response.transportStatus, kivscsi::kStatusGood);
 }
 
-TEST_F(TransportTest, MalformedCommandsAreRefusedUnsent) {
-    scsitest::RegisteredTarget device;
-    kivscsi::OpenResult opened = kivscsi::openTransport(device.name());
-    ASSERT_TRUE(opened.transport);
-    struct Case {
-        const char* name;
-        uint8_t cdbLength;
-        bool nullBuffer;
-    };
-    const std::vector<Case> cases = {
-        {"no command block", 0, false},
-        {"command block too long", 17, false},
-        {"data phase without buffer", 10, true},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        uint8_t buffer[4];
-        kivscsi::ScsiCommand command;
-        command.cdbLength = c.cdbLength;
-        command.direction = kivscsi::DataDirection::FromDevice;
-        command.buffer = c.nullBuffer ? nullptr : buffer;
-        command.bufferLength = sizeof(buffer);
-        command.timeoutMs = 1000;
-        EXPECT_EQ(opened.transport->send(command).transportStatus, kivscsi::kStatusInvalidRequest);
-    }
-    EXPECT_TRUE(device.target().commands.empty());
-}
+// Keeps the lines it is given, when it wants them.
+class RecordingSink : public kivscsi::TraceSink {
+public:
+    bool enabled() const override { return wanted; }
+    void write(const std::string& line) override { lines.push_back(line); }
+
+    bool wanted = true;
+    std::vector<std::string> lines;
+};
 
 class TraceTest : public TransportTest {
 protected:
     void SetUp() override {
         TransportTest::SetUp();
-        kiv::LogFactory::removeAllSinks();
-        kiv::LogFactory::addSink(std::make_unique<kiv::MemorySink>(sink_));
+        previous_ = kivscsi::installTraceSink(sink_);
     }
     void TearDown() override {
-        kiv::LogFactory::removeAllSinks();
-        kiv::LogFactory::setPriority(4);
+        kivscsi::installTraceSink(previous_);
         TransportTest::TearDown();
     }
 
-    kiv::MemorySink sink_;
+    std::shared_ptr<RecordingSink> sink_ = std::make_shared<RecordingSink>();
+    std::shared_ptr<kivscsi::TraceSink> previous_;
 };
 
 TEST_F(TraceTest, EveryCommandIsLoggedWithItsStatus) {
@@ -215,28 +196,39 @@ TEST_F(TraceTest, EveryCommandIsLoggedWithItsStatus) {
          "02 3A 01"},
         {"gone", gone, "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> AB10 in 0 ms"},
     };
-    kiv::LogFactory::setPriority(1);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        sink_.clear();
+        sink_->lines.clear();
         scsitest::RegisteredTarget device("sim:trace");
         device.target().reply = c.reply;
         uint8_t buffer[16];
         kivscsi::ReadDiscInformation({}, device.name(), buffer, sizeof(buffer));
-        const std::vector<kiv::LogRecord> records = sink_.records();
-        ASSERT_EQ(records.size(), 1u);
-        EXPECT_EQ(records[0].logger.toUtf8(), "scsi.Trace");
-        EXPECT_EQ(records[0].priority, 1);
-        EXPECT_EQ(records[0].message.toUtf8(), c.expected);
+        EXPECT_EQ(sink_->lines, std::vector<std::string>{c.expected});
     }
 }
 
-TEST_F(TraceTest, NothingIsLoggedAbovePriorityOne) {
-    kiv::LogFactory::setPriority(2);
-    scsitest::RegisteredTarget device;
-    kivscsi::TestUnitReady({}, device.name());
-    EXPECT_TRUE(sink_.records().empty());
-    EXPECT_EQ(device.target().commands.size(), 1u);
+TEST_F(TraceTest, CommandsAreSentWhetherOrNotATraceIsWanted) {
+    struct Case {
+        const char* name;
+        bool sinkInstalled;
+        bool wanted;
+        size_t expectedLines;
+    };
+    const std::vector<Case> cases = {
+        {"sink wants the trace", true, true, 1},
+        {"sink wants none", true, false, 0},
+        {"no sink", false, true, 0},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        sink_->lines.clear();
+        sink_->wanted = c.wanted;
+        kivscsi::installTraceSink(c.sinkInstalled ? sink_ : nullptr);
+        scsitest::RegisteredTarget device;
+        EXPECT_EQ(kivscsi::TestUnitReady({}, device.name()), kivscsi::kStatusGood);
+        EXPECT_EQ(sink_->lines.size(), c.expectedLines);
+        EXPECT_EQ(device.target().commands.size(), 1u);
+    }
 }
 
 }  // namespace

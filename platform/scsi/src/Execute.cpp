@@ -61,7 +61,7 @@ Status execute(const _SCSI_PATH& /*path*/, const char* deviceName, const ScsiCom
     if (deviceName == nullptr) return kStatusBadDeviceName;
     OpenResult opened = openTransport(deviceName);
     if (!opened.transport) return opened.status;
-    TracingTransport transport(std::move(opened.transport), deviceName);
+    TracingTransport transport(std::move(opened.transport), deviceName, installedTraceSink());
     const ScsiResponse response = transport.send(command);
     if (received != nullptr && response.transportStatus == kStatusGood &&
         command.direction != DataDirection::None) {

@@ -1,5 +1,5 @@
 // Sending one command built by a command function: open the device by name, pass the command
-// through the tracing decorator, close the device, and map the answer to a status.
+// through the trace to the installed sink, close the device, and map the answer to a status.
 #pragma once
 
 #include <cstdint>

@@ -8,7 +8,6 @@
 #include <cerrno>
 
 #include "NativeTransport.h"
-#include "os/Clock.h"
 
 namespace kivscsi {
 namespace {
@@ -70,19 +69,13 @@ int sgDirection(DataDirection direction) {
 
 class SgTransport : public Transport {
 public:
-    SgTransport(int fd, bool owned) : fd_(fd), owned_(owned) {}
+    SgTransport(int fd, bool owned) : Transport(Deadline::KeptByDevice), fd_(fd), owned_(owned) {}
     ~SgTransport() override {
         if (owned_) ::close(fd_);
     }
 
-    ScsiResponse send(const ScsiCommand& command) override {
-        ScsiResponse response;
-        if (command.cdbLength == 0 || command.cdbLength > kMaxCdbLength ||
-            (command.direction != DataDirection::None && command.bufferLength > 0 &&
-             command.buffer == nullptr)) {
-            response.transportStatus = kStatusInvalidRequest;
-            return response;
-        }
+private:
+    void deliver(const ScsiCommand& command, ScsiResponse& response) override {
         const bool hasData = command.direction != DataDirection::None && command.bufferLength > 0;
         unsigned char cdb[kMaxCdbLength];
         std::copy(command.cdb.begin(), command.cdb.end(), cdb);
@@ -98,35 +91,28 @@ public:
         io.dxferp = hasData ? command.buffer : nullptr;
         io.timeout = command.timeoutMs;
 
-        const uint64_t start = os::clock().monotonicMilliseconds();
-        const int result = ::ioctl(fd_, SG_IO, &io);
-        const int error = errno;
-        response.durationMs = static_cast<uint32_t>(
-            std::min<uint64_t>(os::clock().monotonicMilliseconds() - start, UINT32_MAX));
-        if (result < 0) {
-            response.transportStatus = statusForIoctlError(error);
-            return response;
+        if (::ioctl(fd_, SG_IO, &io) < 0) {
+            response.transportStatus = statusForIoctlError(errno);
+            return;
         }
         if (io.host_status == kHostTimeOut ||
             (io.driver_status & kDriverStatusMask) == kDriverTimeout) {
             response.transportStatus = kStatusTimedOut;
-            return response;
+            return;
         }
         if (io.host_status == kHostNoConnect || io.host_status == kHostBadTarget) {
             response.transportStatus = kStatusDeviceGone;
-            return response;
+            return;
         }
         if (io.host_status != 0) {
             response.transportStatus = kStatusAdapterError;
-            return response;
+            return;
         }
         response.scsiStatus = io.status;
-        response.senseLength = std::min<uint8_t>(io.sb_len_wr, kMaxSenseLength);
-        response.residual = hasData ? std::clamp<uint32_t>(io.resid, 0, command.bufferLength) : 0;
-        return response;
+        response.senseLength = io.sb_len_wr;
+        response.residual = hasData ? static_cast<uint32_t>(io.resid) : 0;
     }
 
-private:
     int fd_;
     bool owned_;  // false: a drive's descriptor, closed by the drive
 };

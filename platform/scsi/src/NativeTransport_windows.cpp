@@ -13,7 +13,6 @@
 
 #include "NativeTransport.h"
 #include "PassThroughLimits.h"
-#include "os/Clock.h"
 #include "os/DeviceControl.h"
 #include "os/Utf8.h"
 
@@ -98,31 +97,25 @@ private:
 class PassThroughTransport : public Transport {
 public:
     PassThroughTransport(HANDLE handle, bool owned, detail::AdapterLimits limits)
-        : handle_(handle), owned_(owned), limits_(limits) {}
+        : Transport(Deadline::KeptByDevice), handle_(handle), owned_(owned), limits_(limits) {}
     ~PassThroughTransport() override {
         if (owned_) CloseHandle(handle_);
     }
 
-    ScsiResponse send(const ScsiCommand& command) override {
-        ScsiResponse response;
-        if (command.cdbLength == 0 || command.cdbLength > kMaxCdbLength ||
-            (command.direction != DataDirection::None && command.bufferLength > 0 &&
-             command.buffer == nullptr)) {
-            response.transportStatus = kStatusInvalidRequest;
-            return response;
-        }
+private:
+    void deliver(const ScsiCommand& command, ScsiResponse& response) override {
         const bool hasData = command.direction != DataDirection::None && command.bufferLength > 0;
         if (hasData && command.bufferLength > limits_.maxTransferBytes) {
             // The adapter cannot move it in one request, and a command cannot be split here.
             response.transportStatus = kStatusInvalidRequest;
-            return response;
+            return;
         }
         const size_t alignment = limits_.alignment;
         const bool aligned = reinterpret_cast<uintptr_t>(command.buffer) % alignment == 0;
         AlignedBuffer bounce(hasData && !aligned ? command.bufferLength : 0, alignment);
         if (hasData && !aligned && bounce.data() == nullptr) {
             response.transportStatus = kStatusInvalidRequest;
-            return response;
+            return;
         }
         void* data = hasData ? (aligned ? command.buffer : bounce.data()) : nullptr;
         if (hasData && !aligned && command.direction == DataDirection::ToDevice) {
@@ -141,15 +134,12 @@ public:
         request.sptd.TimeOutValue = detail::passThroughTimeoutSeconds(command.timeoutMs);
         std::memcpy(request.sptd.Cdb, command.cdb.data(), command.cdbLength);
 
-        const uint64_t start = os::clock().monotonicMilliseconds();
         const os::ControlResult sent =
             os::controlDevice(handle_, IOCTL_SCSI_PASS_THROUGH_DIRECT, &request, sizeof(request),
                               &request, sizeof(request));
-        response.durationMs = static_cast<uint32_t>(
-            std::min<uint64_t>(os::clock().monotonicMilliseconds() - start, UINT32_MAX));
         if (!sent.ok()) {
             response.transportStatus = statusForIoctlError(sent.error);
-            return response;
+            return;
         }
         const uint32_t transferred =
             hasData ? std::min<uint32_t>(request.sptd.DataTransferLength, command.bufferLength) : 0;
@@ -160,10 +150,8 @@ public:
         response.senseLength = std::min<uint8_t>(request.sptd.SenseInfoLength, kMaxSenseLength);
         std::memcpy(response.sense.data(), request.sense, response.senseLength);
         response.residual = hasData ? command.bufferLength - transferred : 0;
-        return response;
     }
 
-private:
     HANDLE handle_;
     bool owned_;  // false: a drive's handle, closed by the drive
     detail::AdapterLimits limits_;

@@ -1,5 +1,5 @@
-// The transport to an in-process emulated device: calls its ScsiTarget directly and measures
-// the time the target let pass on the one clock.
+// The transport to an in-process emulated device: calls its ScsiTarget directly. The target
+// cannot be interrupted, so the gate judges its deadline by the time it let pass on the clock.
 #pragma once
 
 #include <memory>
@@ -13,9 +13,10 @@ class TargetTransport : public Transport {
 public:
     // REQUIRES: `device` derives from ScsiTarget. Keeps the device alive while open.
     explicit TargetTransport(std::shared_ptr<os::EmulatedDevice> device);
-    ScsiResponse send(const ScsiCommand& command) override;
 
 private:
+    void deliver(const ScsiCommand& command, ScsiResponse& response) override;
+
     std::shared_ptr<os::EmulatedDevice> device_;
     ScsiTarget* target_;
 };

@@ -2,20 +2,15 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <mutex>
 
-#include "kiv/Log.h"
 #include "scsi/Sense.h"
 
 namespace kivscsi {
 namespace {
 
-constexpr int kTracePriority = 1;
-
-kiv::Logger* traceLogger() {
-    static kiv::Logger* slot = nullptr;
-    if (slot == nullptr) kiv::LogFactory::createLogger(kTraceLoggerName, &slot);
-    return slot;
-}
+std::mutex sinkMutex;
+std::shared_ptr<TraceSink> installedSink;
 
 void appendHex(std::string& out, const uint8_t* bytes, size_t count) {
     char digits[4];
@@ -47,16 +42,26 @@ std::string traceLine(const std::string& device, const ScsiCommand& command,
 
 }  // namespace
 
-TracingTransport::TracingTransport(std::unique_ptr<Transport> inner, std::string deviceName)
-    : inner_(std::move(inner)), deviceName_(std::move(deviceName)) {}
+TraceSink::~TraceSink() = default;
+
+std::shared_ptr<TraceSink> installTraceSink(std::shared_ptr<TraceSink> sink) {
+    const std::lock_guard<std::mutex> lock(sinkMutex);
+    installedSink.swap(sink);
+    return sink;
+}
+
+std::shared_ptr<TraceSink> installedTraceSink() {
+    const std::lock_guard<std::mutex> lock(sinkMutex);
+    return installedSink;
+}
+
+TracingTransport::TracingTransport(std::unique_ptr<Transport> inner, std::string deviceName,
+                                   std::shared_ptr<TraceSink> sink)
+    : inner_(std::move(inner)), deviceName_(std::move(deviceName)), sink_(std::move(sink)) {}
 
 ScsiResponse TracingTransport::send(const ScsiCommand& command) {
     const ScsiResponse response = inner_->send(command);
-    const kiv::Logger* logger = traceLogger();
-    if (logger->isEnabled(kTracePriority)) {
-        logger->log(kTracePriority,
-                    kiv::String::fromUtf8(traceLine(deviceName_, command, response)));
-    }
+    if (sink_ && sink_->enabled()) sink_->write(traceLine(deviceName_, command, response));
     return response;
 }
 

@@ -82,13 +82,36 @@ public:
     virtual void execute(const ScsiCommand& command, ScsiResponse& response) = 0;
 };
 
-// An open path to one device.
+// An open path to one device. Every command goes through the one gate, send(); a transport
+// implements only deliver(), the part that differs from one way of reaching a device to another.
 class SCSI_API Transport {
 public:
     virtual ~Transport();
+    Transport(const Transport&) = delete;
+    Transport& operator=(const Transport&) = delete;
+
     // Sends one command and waits for it to end. Never throws; failures are reported in the
-    // returned transportStatus. REQUIRES: command.cdbLength in 1..16.
-    virtual ScsiResponse send(const ScsiCommand& command) = 0;
+    // returned transportStatus. REQUIRES: command.cdbLength in 1..16, and a buffer whenever a
+    // data phase has bytes; a command that breaks either is refused with kStatusInvalidRequest
+    // and never reaches the device. Whatever the transport does, the answer keeps its contract:
+    // durationMs is measured here on os::clock(), residual is 0 without a data phase and never
+    // above bufferLength, senseLength never above kMaxSenseLength.
+    ScsiResponse send(const ScsiCommand& command);
+
+protected:
+    // Who keeps a command's deadline. A pass-through hands timeoutMs to the operating system,
+    // which abandons the command and says so; a target in this process cannot be interrupted,
+    // so an answer that took longer than timeoutMs is turned into kStatusTimedOut here.
+    enum class Deadline { KeptByDevice, JudgedOnClock };
+    explicit Transport(Deadline deadline) : deadline_(deadline) {}
+
+private:
+    // Passes a command that got through the gate to the device. `response` comes in GOOD, with
+    // no sense and residual 0; the transport sets transportStatus when the command did not
+    // reach the device or got no answer, else scsiStatus, sense, senseLength and residual.
+    virtual void deliver(const ScsiCommand& command, ScsiResponse& response) = 0;
+
+    Deadline deadline_;
 };
 
 // The result of opening a device: a transport, or the status saying why there is none.
