@@ -8,6 +8,8 @@
 
 #include "host/LogSession.h"
 #include "kiv/Log.h"
+#include "os/Clock.h"
+#include "os/VirtualClock.h"
 #include "scsi/UnitCommands.h"
 #include "tests/scsi/RecordingTarget.h"
 
@@ -19,7 +21,16 @@ struct Case {
     size_t expectedRecords;
 };
 
-TEST(ScsiTraceLogTest, CommandsAreLoggedOnTheTraceLoggerAtLevelOne) {
+// The trace line carries the command's duration: on the virtual clock it is exactly 0 ms.
+class ScsiTraceLogTest : public ::testing::Test {
+protected:
+    void SetUp() override { os::installClock(&clock_); }
+    void TearDown() override { os::installClock(nullptr); }
+
+    os::VirtualClock clock_{1'700'000'000'000};
+};
+
+TEST_F(ScsiTraceLogTest, CommandsAreLoggedOnTheTraceLoggerAtLevelOne) {
     const std::vector<Case> cases = {
         {"level 1", 1, 1},
         {"level 2", 2, 0},
@@ -53,7 +64,7 @@ public:
     void write(const std::string& /*line*/) override {}
 };
 
-TEST(ScsiTraceLogTest, TheSessionRestoresTheSinkItReplaced) {
+TEST_F(ScsiTraceLogTest, TheSessionRestoresTheSinkItReplaced) {
     const auto earlier = std::make_shared<SilentSink>();
     const std::shared_ptr<kivscsi::TraceSink> before = kivscsi::installTraceSink(earlier);
     {
