@@ -29,3 +29,22 @@ function(libdrive_shared_library target macro incdir)
   set_target_properties(${target} PROPERTIES
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON PREFIX "lib")
 endfunction()
+
+# libdrive_internal_library(<library> <header-dir> sources...), after <library>'s own links.
+# The pieces of <library> that its tests check directly (plain functions over recorded answers,
+# arithmetic rules) as a static library <library>_internal, which <library> links privately and
+# the tests link instead of compiling the library's sources into themselves. Its headers, in
+# <header-dir>, are not published: only tests reach them. Symbols stay hidden in the library.
+function(libdrive_internal_library library headerdir)
+  add_library(${library}_internal STATIC ${ARGN})
+  target_include_directories(${library}_internal PUBLIC ${headerdir})
+  get_target_property(published ${library} INCLUDE_DIRECTORIES)
+  target_include_directories(${library}_internal PUBLIC ${published})
+  get_target_property(dependencies ${library} INTERFACE_LINK_LIBRARIES)
+  if(dependencies)
+    target_link_libraries(${library}_internal PUBLIC ${dependencies})
+  endif()
+  set_target_properties(${library}_internal PROPERTIES
+    CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  target_link_libraries(${library} PRIVATE ${library}_internal)
+endfunction()

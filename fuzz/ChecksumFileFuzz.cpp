@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "FuzzInput.h"
-#include "host/Drivediag.h"
+#include "cli/Drivediag.h"
 #include "os/Clock.h"
 #include "os/VirtualClock.h"
 

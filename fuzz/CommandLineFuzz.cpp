@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "FuzzInput.h"
-#include "host/CommandLine.h"
+#include "cli/CommandLine.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::vector<std::string> args = fuzzinput::split(fuzzinput::textOf(data, size), '\0');

@@ -5,9 +5,9 @@
 #include <utility>
 
 #include "FuzzInput.h"
-#include "host/ChecksumSetup.h"
-#include "host/ParameterSetup.h"
-#include "host/TestTable.h"
+#include "checksum/ChecksumSetup.h"
+#include "cli/ParameterSetup.h"
+#include "cli/TestTable.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "FuzzInput.h"
-#include "host/DriveOpening.h"
-#include "host/SimDeviceText.h"
+#include "cli/DriveOpening.h"
+#include "cli/SimDeviceText.h"
 #include "os/Clock.h"
 #include "os/VirtualClock.h"
 

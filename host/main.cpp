@@ -2,9 +2,9 @@
 #include <string>
 #include <vector>
 
-#include "host/Drivediag.h"
-#include "host/ProcessSetup.h"
-#include "host/Terminal.h"
+#include "cli/Drivediag.h"
+#include "cli/ProcessSetup.h"
+#include "cli/Terminal.h"
 
 int main(int argc, char** argv) {
     const std::vector<std::string> args = host::startProcess(argc, argv);

@@ -8,11 +8,11 @@
 #include "kiv/KIVMD5.h"
 #include "kiv/Log.h"
 #include "kiv/Stream.h"
-#include "libDrive/ClassLog.h"
+#include "ClassLog.h"
 #include "libDrive/LibDriveStrings.h"
-#include "libDrive/PassReporting.h"
-#include "libDrive/PassRules.h"
-#include "libDrive/PassTiming.h"
+#include "PassReporting.h"
+#include "PassRules.h"
+#include "PassTiming.h"
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {

@@ -1,11 +1,11 @@
-#include "libDrive/DestructivePass.h"
+#include "DestructivePass.h"
 
 #include <cstring>
 #include <limits>
 
 #include "libDrive/LibDriveStrings.h"
 #include "libDrive/Parameters.h"
-#include "libDrive/SectorBuffer.h"
+#include "SectorBuffer.h"
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {

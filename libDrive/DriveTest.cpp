@@ -5,9 +5,9 @@
 
 #include "kiv/Exception.h"
 #include "kiv/Log.h"
-#include "libDrive/ClassLog.h"
+#include "ClassLog.h"
 #include "libDrive/Exceptions.h"
-#include "libDrive/InternalParameters.h"
+#include "InternalParameters.h"
 #include "libDrive/LibDriveStrings.h"
 #include "libDrive/Range.h"
 #include "quel5/DiagModule.h"

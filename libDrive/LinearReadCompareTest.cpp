@@ -4,12 +4,12 @@
 #include <cstring>
 
 #include "kiv/Log.h"
-#include "libDrive/ClassLog.h"
+#include "ClassLog.h"
 #include "libDrive/LibDriveStrings.h"
-#include "libDrive/PassReporting.h"
-#include "libDrive/PassRules.h"
-#include "libDrive/PassTiming.h"
-#include "libDrive/SectorBuffer.h"
+#include "PassReporting.h"
+#include "PassRules.h"
+#include "PassTiming.h"
+#include "SectorBuffer.h"
 #include "quel5/DiagModule.h"
 #include "quel5/Value.h"
 

@@ -1,4 +1,4 @@
-#include "libDrive/PassReporting.h"
+#include "PassReporting.h"
 
 #include "kiv/String.h"
 #include "libDrive/LibDriveStrings.h"

@@ -6,7 +6,7 @@
 
 #include "kiv/Log.h"
 #include "libDrive/Drive.h"
-#include "libDrive/PassTiming.h"
+#include "PassTiming.h"
 #include "quel5/Event.h"
 
 namespace kivrlibdrive {

@@ -1,4 +1,4 @@
-#include "libDrive/PassRules.h"
+#include "PassRules.h"
 
 #include "libDrive/LibDriveStrings.h"
 #include "quel5/DiagModule.h"

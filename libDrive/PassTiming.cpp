@@ -1,4 +1,4 @@
-#include "libDrive/PassTiming.h"
+#include "PassTiming.h"
 
 #include <algorithm>
 #include <limits>

@@ -4,14 +4,14 @@
 #include <array>
 
 #include "kiv/Log.h"
-#include "libDrive/ClassLog.h"
-#include "libDrive/DestructivePass.h"
-#include "libDrive/InternalParameters.h"
+#include "ClassLog.h"
+#include "DestructivePass.h"
+#include "InternalParameters.h"
 #include "libDrive/LibDriveStrings.h"
 #include "libDrive/Parameters.h"
-#include "libDrive/PassReporting.h"
-#include "libDrive/PassRules.h"
-#include "libDrive/PassTiming.h"
+#include "PassReporting.h"
+#include "PassRules.h"
+#include "PassTiming.h"
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {

@@ -3,13 +3,13 @@
 #include <algorithm>
 
 #include "kiv/Log.h"
-#include "libDrive/ClassLog.h"
+#include "ClassLog.h"
 #include "libDrive/LibDriveStrings.h"
-#include "libDrive/PassReporting.h"
-#include "libDrive/PassRules.h"
-#include "libDrive/PassTiming.h"
+#include "PassReporting.h"
+#include "PassRules.h"
+#include "PassTiming.h"
 #include "libDrive/RandomSeekDraw.h"
-#include "libDrive/SectorBuffer.h"
+#include "SectorBuffer.h"
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {

@@ -1,7 +1,7 @@
 #include "libDrive/Sector.h"
 
 #include "kiv/Log.h"
-#include "libDrive/SectorFault.h"
+#include "SectorFault.h"
 
 namespace kivrlibdrive {
 

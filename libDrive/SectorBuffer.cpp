@@ -1,4 +1,4 @@
-#include "libDrive/SectorBuffer.h"
+#include "SectorBuffer.h"
 
 #include <limits>
 #include <new>

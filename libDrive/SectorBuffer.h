@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "libDrive/Drive.h"
-#include "libDrive/PassRules.h"
+#include "PassRules.h"
 #include "quel5/TestResult.h"
 
 namespace kivrlibdrive {

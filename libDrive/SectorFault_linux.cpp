@@ -1,5 +1,5 @@
 #include "kiv/Exception.h"
-#include "libDrive/SectorFault.h"
+#include "SectorFault.h"
 
 namespace kivrlibdrive {
 

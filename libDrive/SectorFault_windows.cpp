@@ -1,6 +1,6 @@
 #include <windows.h>
 
-#include "libDrive/SectorFault.h"
+#include "SectorFault.h"
 
 namespace kivrlibdrive {
 

@@ -1,4 +1,4 @@
-#include "libDrive/SurfaceScanStride.h"
+#include "SurfaceScanStride.h"
 
 #include <algorithm>
 #include <limits>

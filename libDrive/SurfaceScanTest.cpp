@@ -5,14 +5,14 @@
 
 #include "kiv/Log.h"
 #include "kiv/String.h"
-#include "libDrive/ClassLog.h"
+#include "ClassLog.h"
 #include "libDrive/LibDriveStrings.h"
 #include "libDrive/Parameters.h"
-#include "libDrive/PassReporting.h"
-#include "libDrive/PassRules.h"
-#include "libDrive/PassTiming.h"
-#include "libDrive/SectorBuffer.h"
-#include "libDrive/SurfaceScanStride.h"
+#include "PassReporting.h"
+#include "PassRules.h"
+#include "PassTiming.h"
+#include "SectorBuffer.h"
+#include "SurfaceScanStride.h"
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {

@@ -1,6 +1,6 @@
 // The vocabulary's handles and the one load-time initialiser that creates them. Everything here
 // is expanded from Vocabulary.inc, so the handles are created in the table's order.
-#include "libDrive/InternalParameters.h"
+#include "InternalParameters.h"
 #include "libDrive/LibDriveStrings.h"
 #include "libDrive/Parameters.h"
 #include "quel5/DiagModule.h"

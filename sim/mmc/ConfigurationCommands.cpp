@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <string>
 
-#include "sim/mmc/Bytes.h"
-#include "sim/mmc/Commands.h"
+#include "Bytes.h"
+#include "Commands.h"
 #include "sim/mmc/Opcodes.h"
 
 namespace sim::mmc {

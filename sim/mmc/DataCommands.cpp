@@ -1,6 +1,6 @@
-#include "sim/mmc/Bytes.h"
-#include "sim/mmc/Commands.h"
-#include "sim/mmc/ModePages.h"
+#include "Bytes.h"
+#include "Commands.h"
+#include "ModePages.h"
 #include "sim/mmc/Opcodes.h"
 
 namespace sim::mmc {

@@ -1,5 +1,5 @@
-#include "sim/mmc/Bytes.h"
-#include "sim/mmc/Commands.h"
+#include "Bytes.h"
+#include "Commands.h"
 #include "sim/mmc/Opcodes.h"
 
 namespace sim::mmc {

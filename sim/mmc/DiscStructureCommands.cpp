@@ -1,7 +1,7 @@
 #include <string>
 
-#include "sim/mmc/Bytes.h"
-#include "sim/mmc/Commands.h"
+#include "Bytes.h"
+#include "Commands.h"
 #include "sim/mmc/Opcodes.h"
 
 namespace sim::mmc {

@@ -1,8 +1,8 @@
-#include "sim/mmc/ModePages.h"
+#include "ModePages.h"
 
 #include <algorithm>
 
-#include "sim/mmc/Bytes.h"
+#include "Bytes.h"
 
 namespace sim::mmc {
 namespace {

@@ -1,6 +1,6 @@
 #include "sim/mmc/Sense.h"
 
-#include "sim/mmc/Bytes.h"
+#include "Bytes.h"
 
 namespace sim::mmc {
 

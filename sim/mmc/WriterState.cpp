@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "sim/mmc/ModePages.h"
+#include "ModePages.h"
 
 namespace sim::mmc {
 

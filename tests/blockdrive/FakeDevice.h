@@ -10,7 +10,7 @@
 #include <mutex>
 #include <vector>
 
-#include "host/ReadAhead.h"
+#include "drives/ReadAhead.h"
 
 namespace blockdrivetest {
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "blockdrive/ImageFile.h"
-#include "host/BlockDeviceDrive.h"
+#include "drives/BlockDeviceDrive.h"
 #include "support/RecordingHost.h"
 
 namespace quel5 {

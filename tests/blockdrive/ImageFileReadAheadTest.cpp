@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "blockdrive/ImageFile.h"
-#include "host/BlockDeviceDrive.h"
+#include "drives/BlockDeviceDrive.h"
 #include "support/RecordingHost.h"
 
 namespace {

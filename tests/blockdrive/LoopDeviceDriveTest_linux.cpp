@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "blockdrive/ImageFile.h"
-#include "host/BlockDeviceDrive.h"
-#include "host/ReadAhead.h"
+#include "drives/BlockDeviceDrive.h"
+#include "drives/ReadAhead.h"
 #include "support/RecordingHost.h"
 
 namespace {

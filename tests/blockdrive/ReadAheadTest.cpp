@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "blockdrive/FakeDevice.h"
-#include "host/ReadAhead.h"
+#include "drives/ReadAhead.h"
 
 namespace {
 

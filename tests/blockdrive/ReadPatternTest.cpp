@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/ReadPattern.h"
+#include "drives/ReadPattern.h"
 
 namespace {
 

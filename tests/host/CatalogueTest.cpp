@@ -7,8 +7,8 @@
 #include <set>
 #include <string>
 
-#include "host/Catalogue.h"
-#include "host/Placeholders.h"
+#include "cli/Catalogue.h"
+#include "cli/Placeholders.h"
 
 namespace {
 

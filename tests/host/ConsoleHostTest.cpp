@@ -5,7 +5,7 @@
 #include <memory>
 #include <sstream>
 
-#include "host/ConsoleHost.h"
+#include "cli/ConsoleHost.h"
 #include "quel5/DiagModule.h"
 #include "quel5/Host.h"
 #include "quel5/MessageBox2.h"

@@ -20,7 +20,7 @@
 #include <vector>
 
 #include "DrivediagRun.h"
-#include "host/StopRequest.h"
+#include "cli/StopRequest.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <iterator>
 
 #include "DrivediagRun.h"
-#include "host/ConsoleHost.h"
-#include "host/StopRequest.h"
+#include "cli/ConsoleHost.h"
+#include "cli/StopRequest.h"
 #include "kiv/Log.h"
 #include "os/Clock.h"
 #include "os/VirtualClock.h"

@@ -5,7 +5,7 @@
 #include <random>
 #include <sstream>
 
-#include "host/Drivediag.h"
+#include "cli/Drivediag.h"
 
 namespace hosttest {
 

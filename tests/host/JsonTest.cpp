@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/Json.h"
+#include "cli/Json.h"
 
 namespace {
 

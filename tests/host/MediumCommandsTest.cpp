@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "DrivediagRun.h"
-#include "host/ChecksumFileMaker.h"
-#include "host/ChecksumSetup.h"
+#include "checksum/ChecksumFileMaker.h"
+#include "checksum/ChecksumSetup.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "host/ConsoleHost.h"
-#include "host/ExitCodes.h"
-#include "host/ProgressLine.h"
+#include "cli/ConsoleHost.h"
+#include "cli/ExitCodes.h"
+#include "cli/ProgressLine.h"
 #include "quel5/MessageBox2.h"
 
 namespace {

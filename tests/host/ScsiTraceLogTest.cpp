@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "host/LogSession.h"
+#include "cli/LogSession.h"
 #include "kiv/Log.h"
 #include "os/Clock.h"
 #include "os/VirtualClock.h"
 #include "scsi/UnitCommands.h"
-#include "tests/scsi/RecordingTarget.h"
+#include "support/RecordingTarget.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "host/DriveOpening.h"
-#include "host/SimDeviceText.h"
+#include "cli/DriveOpening.h"
+#include "cli/SimDeviceText.h"
 #include "sim/SimulatedDrive.h"
 
 namespace host {

@@ -4,7 +4,7 @@
 #include <fstream>
 #include <random>
 
-#include "host/DriveList.h"
+#include "cli/DriveList.h"
 
 namespace {
 

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "DrivediagRun.h"
-#include "host/UndoJournal.h"
-#include "host/UndoJournalFormat.h"
+#include "drives/UndoJournal.h"
+#include "drives/UndoJournalFormat.h"
 
 namespace {
 

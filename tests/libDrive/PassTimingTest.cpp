@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "DriveTestSupport.h"
-#include "libDrive/PassTiming.h"
+#include "PassTiming.h"
 
 namespace {
 

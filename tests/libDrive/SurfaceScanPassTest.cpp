@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "ReadOnlyTestSupport.h"
-#include "libDrive/SurfaceScanStride.h"
+#include "SurfaceScanStride.h"
 #include "libDrive/SurfaceScanTest.h"
 
 namespace {

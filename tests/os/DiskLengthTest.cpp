@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/os/src/DiskLength.h"
+#include "DiskLength.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "scsi/Scsi.h"
-#include "tests/scsi/RecordingTarget.h"
+#include "support/RecordingTarget.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/scsi/src/PassThroughLimits.h"
+#include "PassThroughLimits.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "os/Clock.h"
 #include "os/VirtualClock.h"
 #include "scsi/Transport.h"
-#include "tests/scsi/RecordingTarget.h"
+#include "support/RecordingTarget.h"
 
 namespace {
 

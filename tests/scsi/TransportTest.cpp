@@ -9,7 +9,7 @@
 #include "os/VirtualClock.h"
 #include "scsi/Scsi.h"
 #include "scsi/TracingTransport.h"
-#include "tests/scsi/RecordingTarget.h"
+#include "support/RecordingTarget.h"
 
 namespace {
 

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "os/Utf8.h"
-#include "platform/storage/src/VolumeLocking.h"
+#include "VolumeLocking.h"
 
 namespace {
 

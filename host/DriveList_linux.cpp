@@ -1,7 +1,0 @@
-#include "host/DriveList.h"
-
-namespace host {
-
-std::vector<DriveInfo> listDrives() { return scanSysBlock("/sys/block", "/dev"); }
-
-}  // namespace host

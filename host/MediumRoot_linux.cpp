@@ -1,8 +1,0 @@
-#include "host/ChecksumSetup.h"
-
-namespace host {
-
-// A medium is found under its mount point, given with --map.
-bool driveLettersAreRoots() { return false; }
-
-}  // namespace host

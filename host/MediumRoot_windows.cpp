@@ -1,7 +1,0 @@
-#include "host/ChecksumSetup.h"
-
-namespace host {
-
-bool driveLettersAreRoots() { return true; }
-
-}  // namespace host

@@ -1,9 +1,0 @@
-#include "host/ProcessSetup.h"
-
-namespace host {
-
-std::vector<std::string> startProcess(int argc, char** argv) {
-    return std::vector<std::string>(argv + 1, argv + argc);
-}
-
-}  // namespace host

@@ -1,9 +1,0 @@
-#include <unistd.h>
-
-#include "host/Terminal.h"
-
-namespace host {
-
-bool standardOutputIsTerminal() { return isatty(STDOUT_FILENO) == 1; }
-
-}  // namespace host

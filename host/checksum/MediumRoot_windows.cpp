@@ -1,0 +1,7 @@
+#include "checksum/ChecksumSetup.h"
+
+namespace host {
+
+bool driveLettersAreRoots() { return true; }
+
+}  // namespace host

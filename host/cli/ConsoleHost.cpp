@@ -1,0 +1,67 @@
+#include "cli/ConsoleHost.h"
+
+#include "cli/Catalogue.h"
+#include "cli/Placeholders.h"
+#include "cli/StopRequest.h"
+#include "quel5/MessageBox2.h"
+
+namespace host {
+
+std::string eventMessage(const quel5::Event& event) {
+    const std::string key = event.key().toUtf8();
+    const std::string_view text = eventText(key);
+    return fillPlaceholders(text.empty() ? std::string_view(key) : text, event.variables());
+}
+
+int messageBoxAnswer(PromptAnswer answer, unsigned int buttons) {
+    const bool okOnly = buttons == 0;
+    switch (answer) {
+        case PromptAnswer::Yes:
+            return okOnly ? quel5::MB2_OK : quel5::MB2_YES;
+        case PromptAnswer::No:
+            return okOnly ? quel5::MB2_CANCEL : quel5::MB2_NO;
+        case PromptAnswer::Cancel:
+            break;
+    }
+    return quel5::MB2_CANCEL;
+}
+
+std::string answerName(int answer) {
+    switch (answer) {
+        case quel5::MB2_NONE:
+            return "NONE";
+        case quel5::MB2_OK:
+            return "OK";
+        case quel5::MB2_CANCEL:
+            return "CANCEL";
+        case quel5::MB2_ABORT:
+            return "ABORT";
+        case quel5::MB2_RETRY:
+            return "RETRY";
+        case quel5::MB2_IGNORE:
+            return "IGNORE";
+        case quel5::MB2_YES:
+            return "YES";
+        case quel5::MB2_NO:
+            return "NO";
+    }
+    return std::to_string(answer);
+}
+
+bool ConsoleHost::stopRequested() { return host::stopRequested(); }
+
+bool ConsoleHost::showMessageBox(const quel5::MessageBox2& box, int* answer) {
+    const int given = messageBoxAnswer(answer_, box.options().buttons);
+    if (answer) *answer = given;
+    messageBoxAnswered(box, given);
+    return true;
+}
+
+QuelString ConsoleHost::localize(const QuelString& key, const quel5::Variables& variables) {
+    const std::string name = key.toUtf8();
+    const std::string_view text = stringText(name);
+    return QuelString(
+        fillPlaceholders(text.empty() ? std::string_view(name) : text, variables).c_str());
+}
+
+}  // namespace host

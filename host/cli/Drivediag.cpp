@@ -1,0 +1,233 @@
+#include "cli/Drivediag.h"
+
+#include <cstdio>
+#include <memory>
+
+#include "drives/BlockDeviceDrive.h"
+#include "checksum/ChecksumFileMaker.h"
+#include "checksum/ChecksumSetup.h"
+#include "cli/CommandLine.h"
+#include "cli/ConsoleHost.h"
+#include "cli/DriveList.h"
+#include "cli/DriveOpening.h"
+#include "cli/ExitCodes.h"
+#include "cli/Json.h"
+#include "cli/LibraryRegistration.h"
+#include "cli/LogSession.h"
+#include "cli/ParameterSetup.h"
+#include "cli/StopRequest.h"
+#include "cli/TestTable.h"
+#include "cli/UndoLocation.h"
+#include "cli/UndoRestore.h"
+#include "cli/UndoRun.h"
+#include "kiv/Exception.h"
+#include "libDrive/LibDrive.h"
+#include "quel5/Host.h"
+#include "quel5/Registry.h"
+
+namespace host {
+namespace {
+
+int usageError(const Console& console, const std::string& reason) {
+    console.err << "drivediag: " << reason << "\nTry 'drivediag --help'.\n";
+    return kExitUsage;
+}
+
+std::string testNames() {
+    std::string names;
+    for (const TestDefinition& test : testTable()) names += (names.empty() ? "" : ", ") + test.name;
+    return names;
+}
+
+// True when the run's parameters ask the test to write the data it overwrites back.
+bool preservesData() {
+    const quel5::Parameter* preserve =
+        quel5::Registry::instance().findParameter(QuelString("PreserveData"));
+    return preserve != nullptr && preserve->value().valueBool();
+}
+
+// The undo journal of a destructive run that preserves data on a real disk or image; none
+// otherwise (a simulated drive keeps nothing, and with PreserveData=false the person asked for
+// the data to go). False with a reason in *error when the run must not start.
+bool startJournal(const CommandLine& line, const TestDefinition& test, kivrlibdrive::Drive& drive,
+                  std::unique_ptr<RunJournal>* journal, std::string* error) {
+    auto* disk = dynamic_cast<BlockDeviceDrive*>(&drive);
+    if (!test.destructive || disk == nullptr || !preservesData()) return true;
+    const std::string path = undoJournalPath(line.undoFile, line.logFile, disk->path());
+    if (path.empty()) {
+        *error = "no folder for the undo journal (HOME is not set); choose a file with --undo";
+        return false;
+    }
+    *journal = RunJournal::start(path, *disk, error);
+    return *journal != nullptr;
+}
+
+// The framework host and the stop-signal handlers, for one run.
+class RunScope {
+public:
+    explicit RunScope(ConsoleHost& host) {
+        quel5::installHost(&host);
+        clearStopRequest();
+        installInterruptHandler();
+    }
+    ~RunScope() {
+        removeInterruptHandler();
+        quel5::installHost(nullptr);
+    }
+    RunScope(const RunScope&) = delete;
+    RunScope& operator=(const RunScope&) = delete;
+};
+
+int runTest(const CommandLine& line, const Console& console) {
+    const TestDefinition* test = findTest(line.test);
+    if (!test)
+        return usageError(console,
+                          "unknown test \"" + line.test + "\" (tests: " + testNames() + ")");
+    if (test->destructive && !line.destructive)
+        return usageError(console, "the " + test->name +
+                                       " test overwrites sectors of the drive (it writes their "
+                                       "data back, and keeps an undo journal for a crash or "
+                                       "power cut); add --destructive to run it");
+    ParameterValues sets = line.sets;
+    std::string error;
+    std::optional<MediumSettings> medium;
+    if (test->onMedium) {
+        if (line.device) return usageError(console, test->name + " reads a medium, not --device");
+        medium = takeMediumSettings(sets, line.maps, line.answer == PromptAnswer::Yes, &error);
+        if (!medium) return usageError(console, error);
+    } else if (!line.maps.empty()) {
+        return usageError(console, "--map belongs to the checksum test");
+    }
+    ParameterValues parameters;
+    if (!applyParameters(*test, sets, &parameters, &error)) return usageError(console, error);
+    LogSession log;
+    if (!log.start(line.logFile, line.logLevel, &error)) return usageError(console, error);
+    registerLibraryOnce();
+    OpenResult opened =
+        medium ? openMedium(*medium) : openDrive(line.device.value_or(kBuiltInDevice));
+    const std::string deviceText =
+        medium ? opened.opened.device->osLocator().toUtf8() : line.device.value_or(kBuiltInDevice);
+    if (opened.failure == OpenFailure::BadText) return usageError(console, opened.error);
+    if (opened.failure == OpenFailure::CannotOpen) {
+        console.err << "drivediag: cannot open " << opened.error << "\n";
+        return kExitNoDevice;
+    }
+    if (test->destructive && opened.opened.drive->IsWriteProtected()) {
+        console.err << "drivediag: " << deviceText << " is read-only (write-protected); the "
+                    << test->name << " test writes to it and was not started\n";
+        return kExitReadOnly;
+    }
+
+    std::unique_ptr<RunJournal> journal;
+    if (!startJournal(line, *test, *opened.opened.drive, &journal, &error)) {
+        console.err << "drivediag: " << error << "\n";
+        return kExitUndoJournal;
+    }
+
+    std::unique_ptr<ConsoleHost> host;
+    if (line.json) {
+        host = std::make_unique<JsonHost>(console.out, line.answer);
+    } else {
+        host = std::make_unique<TextHost>(console.out, line.answer, console.terminal);
+    }
+    RunScope scope(*host);
+    host->runStarting({test->name, deviceText, parameters});
+    quel5::TestResult result;
+    try {
+        result = test->run(*opened.opened.drive);
+    } catch (const kiv::Exception& e) {
+        console.err << "drivediag: the test ended with an exception: " << e.getMessage().toUtf8()
+                    << "\n";
+        return kExitSoftware;
+    } catch (const std::exception& e) {
+        console.err << "drivediag: the test ended with an exception: " << e.what() << "\n";
+        return kExitSoftware;
+    }
+    if (const std::string refusal = lockRefusalOf(*opened.opened.drive); !refusal.empty())
+        console.err << "drivediag: the device was not locked: " << refusal << "\n";
+    if (journal) journal->finish(console, line.json);
+    const int code = exitCodeFor(result);
+    host->runFinished(result, code);
+    return code;
+}
+
+int listTests(const CommandLine& line, const Console& console) {
+    for (const TestDefinition& test : testTable()) {
+        if (line.json) {
+            JsonObject defaults;
+            for (const ParameterDefault& entry : test.defaults)
+                defaults.text(entry.key, entry.value);
+            console.out << JsonObject()
+                               .text("type", "test")
+                               .text("name", test.name)
+                               .text("description", test.description)
+                               .raw("defaults", defaults.str())
+                               .str()
+                        << "\n";
+            continue;
+        }
+        console.out << test.name << "\n    " << test.description << "\n    defaults:";
+        for (const ParameterDefault& entry : test.defaults)
+            console.out << " " << entry.key << "=" << entry.value;
+        console.out << "\n";
+    }
+    return 0;
+}
+
+std::string sizeText(uint64_t bytes) {
+    char buffer[32];
+    std::snprintf(buffer, sizeof buffer, "%.1f GiB", static_cast<double>(bytes) / (1ull << 30));
+    return buffer;
+}
+
+int listDrivesCommand(const CommandLine& line, const Console& console) {
+    const std::vector<DriveInfo> drives = listDrives();
+    for (const DriveInfo& drive : drives) {
+        if (line.json) {
+            console.out << JsonObject()
+                               .text("type", "drive")
+                               .text("path", drive.path)
+                               .text("model", drive.model)
+                               .number("sizeBytes", drive.sizeBytes)
+                               .number("bytesPerSector", drive.bytesPerSector)
+                               .str()
+                        << "\n";
+        } else {
+            console.out << drive.path << "  " << sizeText(drive.sizeBytes) << "  "
+                        << drive.bytesPerSector << "-byte sectors"
+                        << (drive.model.empty() ? "" : "  " + drive.model) << "\n";
+        }
+    }
+    if (drives.empty() && !line.json)
+        console.out << "No drives found (listing them may need administrator rights).\n";
+    return 0;
+}
+
+}  // namespace
+
+int runDrivediag(const std::vector<std::string>& args, const Console& console) {
+    std::string error;
+    const auto line = parseCommandLine(args, &error);
+    if (!line) return usageError(console, error);
+    if (line->help || line->command == Command::Help) {
+        console.out << usageText(line->command);
+        return 0;
+    }
+    switch (line->command) {
+        case Command::Run:
+            return runTest(*line, console);
+        case Command::Tests:
+            return listTests(*line, console);
+        case Command::List:
+            return listDrivesCommand(*line, console);
+        case Command::MakeChecksumFile:
+            return makeChecksumFileCommand(*line, console);
+        case Command::Restore:
+            return restoreCommand(*line, console);
+        case Command::Help:
+            break;
+    }
+    return 0;
+}
+
+}  // namespace host
