@@ -1,0 +1,21 @@
+# cmake -DCLANG_FORMAT=<program> -DROOT=<source tree> -P CheckFormat.cmake
+# Fails, naming each file, when a C++ file of the tree is not formatted as .clang-format says.
+set(files)
+foreach(folder platform libDrive sim host tests fuzz bench)
+  file(GLOB_RECURSE found ${ROOT}/${folder}/*.cpp ${ROOT}/${folder}/*.h)
+  list(APPEND files ${found})
+endforeach()
+list(SORT files)
+execute_process(COMMAND ${CLANG_FORMAT} --dry-run --Werror ${files}
+                RESULT_VARIABLE result ERROR_VARIABLE problems)
+if(NOT result EQUAL 0)
+  string(REGEX MATCHALL "[^\n]*: error: [^\n]*" lines "${problems}")
+  set(unformatted)
+  foreach(line ${lines})
+    string(REGEX REPLACE ":[0-9]+:[0-9]+: error: .*" "" file "${line}")
+    list(APPEND unformatted ${file})
+  endforeach()
+  list(REMOVE_DUPLICATES unformatted)
+  list(JOIN unformatted "\n  " named)
+  message(FATAL_ERROR "not formatted as .clang-format says (run ${CLANG_FORMAT} -i on them):\n  ${named}")
+endif()
