@@ -12,6 +12,7 @@
 #include "host/ChecksumFileMaker.h"
 #include "host/ChecksumSetup.h"
 #include "host/ExitCodes.h"
+#include "support/TempFile.h"
 
 namespace {
 
@@ -26,29 +27,18 @@ std::string utf8(const fs::path& path) {
 // A directory standing for a medium's mount point, removed at the end of the test.
 class MediumDirectory {
 public:
-    MediumDirectory() {
-        path_ = fs::temp_directory_path() /
-                ("drivediag-medium-" +
-                 std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(path_);
-        fs::create_directories(path_);
-    }
-    ~MediumDirectory() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    std::string file(const std::string& name) const { return utf8(path_ / name); }
-    std::string root() const { return utf8(path_); }
+    std::string file(const std::string& name) const { return utf8(directory_.path() / name); }
+    std::string root() const { return utf8(directory_.path()); }
     void write(const std::string& name, const std::string& bytes) const {
-        std::ofstream(path_ / name, std::ios::binary) << bytes;
+        std::ofstream(directory_.path() / name, std::ios::binary) << bytes;
     }
     std::string read(const std::string& name) const {
-        std::ifstream in(path_ / name, std::ios::binary);
+        std::ifstream in(directory_.path() / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     }
 
 private:
-    fs::path path_;
+    testsupport::TempDirectory directory_{"medium"};
 };
 
 TEST(DestructiveGuard, WritingTestsNeedTheirFlag) {
