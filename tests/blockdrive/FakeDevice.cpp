@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "blockdrive/ImageFile.h"
+#include "support/TempFile.h"
 
 namespace blockdrivetest {
 
@@ -26,7 +26,7 @@ os::IoResult FakeDevice::expected(uint64_t offset, size_t bytes, std::vector<uin
         return os::IoResult{0, os::Error{failure->second, "injected"}};
     }
     const size_t available = offset >= size_ ? 0 : std::min<uint64_t>(bytes, size_ - offset);
-    *data = imageBytes(offset, available);
+    *data = testsupport::imageBytes(offset, available);
     for (size_t i = 0; i < available; ++i) {
         if (const auto found = overwritten_.find(offset + i); found != overwritten_.end()) {
             (*data)[i] = found->second;

@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "blockdrive/ImageFile.h"
 #include "drives/BlockDeviceDrive.h"
 #include "support/RecordingHost.h"
+#include "support/TempFile.h"
 
 namespace quel5 {
 inline void PrintTo(const TestResult& result, std::ostream* out) { *out << result.name(); }
@@ -22,9 +22,10 @@ inline void PrintTo(const TestResult& result, std::ostream* out) { *out << resul
 
 namespace {
 
-using blockdrivetest::imageBytes;
-using blockdrivetest::ImageFile;
 using quel5::TestResult;
+using testsupport::imageBytes;
+using testsupport::ImageFill;
+using testsupport::TempImage;
 
 constexpr uint64_t kMiB = 1024 * 1024;
 constexpr uint8_t kGuard = 0xEE;
@@ -68,8 +69,8 @@ private:
     uint8_t* block_;
 };
 
-quel5::DiagDevice deviceFor(const ImageFile& image, uint32_t bytesPerSector = 0) {
-    quel5::DiagDevice device(QuelString(image.pathText().c_str()));
+quel5::DiagDevice deviceFor(const TempImage& image, uint32_t bytesPerSector = 0) {
+    quel5::DiagDevice device(QuelString(image.text().c_str()));
     if (bytesPerSector != 0) {
         device.setProperty(L"BytesPerSector", quel5::Value(bytesPerSector));
     }
@@ -117,7 +118,7 @@ TEST_F(BlockDeviceDriveTest, GeometryFollowsFileSizeAndSectorSizeProperty) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        ImageFile image("geometry", c.fileBytes);
+        TempImage image("geometry", c.fileBytes, ImageFill::OffsetBytes);
         const quel5::DiagDevice device = deviceFor(image, c.sectorSizeProperty);
         auto drive = openDrive(device);
         EXPECT_EQ(drive->GetBytesPerSector(), c.bytesPerSector);
@@ -130,7 +131,7 @@ TEST_F(BlockDeviceDriveTest, GeometryFollowsFileSizeAndSectorSizeProperty) {
 }
 
 TEST_F(BlockDeviceDriveTest, OpeningFailsClearlyForWhatIsNoImage) {
-    ImageFile image("open", kMiB);
+    TempImage image("open", kMiB, ImageFill::OffsetBytes);
     const std::filesystem::path missing = image.path().string() + ".missing";
     struct Case {
         const char* name;
@@ -140,7 +141,7 @@ TEST_F(BlockDeviceDriveTest, OpeningFailsClearlyForWhatIsNoImage) {
     const Case cases[] = {
         {"missing file", missing.string(), false},
         {"directory", image.path().parent_path().string(), false},
-        {"sector size 0", image.pathText(), true},
+        {"sector size 0", image.text(), true},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -155,7 +156,7 @@ TEST_F(BlockDeviceDriveTest, OpeningFailsClearlyForWhatIsNoImage) {
 }
 
 TEST_F(BlockDeviceDriveTest, ReadsReturnTheImageBytesAtTheSectorsAsked) {
-    ImageFile image("read", 4 * kMiB);
+    TempImage image("read", 4 * kMiB, ImageFill::OffsetBytes);
     struct Case {
         const char* name;
         uint32_t bytesPerSector;
@@ -193,7 +194,7 @@ TEST_F(BlockDeviceDriveTest, ReadsReturnTheImageBytesAtTheSectorsAsked) {
 }
 
 TEST_F(BlockDeviceDriveTest, RequestsOutsideTheDeviceOrBufferFailUntouched) {
-    ImageFile image("range", kMiB);  // 2048 sectors of 512
+    TempImage image("range", kMiB, ImageFill::OffsetBytes);  // 2048 sectors of 512
     const quel5::DiagDevice device = deviceFor(image);
     auto drive = openDrive(device);
     // The image is locked through the drive's own handle, so writes are refused only for
@@ -229,11 +230,11 @@ TEST_F(BlockDeviceDriveTest, RequestsOutsideTheDeviceOrBufferFailUntouched) {
     }
     EXPECT_EQ(drive->VerifySectors(kLast, 2), TestResult::FAIL);
     drive->unLock();
-    EXPECT_EQ(image.contents(), imageBytes(0, kMiB));
+    EXPECT_EQ(image.bytes(), imageBytes(0, kMiB));
 }
 
 TEST_F(BlockDeviceDriveTest, WritesLandOnlyWhileLocked) {
-    ImageFile image("write", 2 * kMiB);  // 4096 sectors of 512
+    TempImage image("write", 2 * kMiB, ImageFill::OffsetBytes);  // 4096 sectors of 512
     const quel5::DiagDevice device = deviceFor(image);
     auto drive = openDrive(device);
     struct Step {
@@ -285,11 +286,11 @@ TEST_F(BlockDeviceDriveTest, WritesLandOnlyWhileLocked) {
             EXPECT_EQ(readBack.bytes(), data);
         }
     }
-    EXPECT_EQ(image.contents(), expected);
+    EXPECT_EQ(image.bytes(), expected);
 }
 
 TEST_F(BlockDeviceDriveTest, LockRefusedWhileAnotherHolderHasTheImage) {
-    ImageFile image("busy", kMiB);
+    TempImage image("busy", kMiB, ImageFill::OffsetBytes);
     const quel5::DiagDevice device = deviceFor(image);
     auto first = openDrive(device);
     auto second = openDrive(device);
@@ -304,11 +305,11 @@ TEST_F(BlockDeviceDriveTest, LockRefusedWhileAnotherHolderHasTheImage) {
     EXPECT_EQ(second->lockFailure(), "") << "a lock taken clears the last refusal";
     EXPECT_EQ(second->WriteSectors(1, 1, data.data(), 512), TestResult::PASS);
     second->unLock();
-    EXPECT_EQ(image.contents(), patched(imageBytes(0, kMiB), 512, data));
+    EXPECT_EQ(image.bytes(), patched(imageBytes(0, kMiB), 512, data));
 }
 
 TEST_F(BlockDeviceDriveTest, ReadOnlyImageIsWriteProtectedAndNeverWritten) {
-    ImageFile image("readonly", kMiB);
+    TempImage image("readonly", kMiB, ImageFill::OffsetBytes);
     std::filesystem::permissions(image.path(),
                                  std::filesystem::perms::owner_write |
                                      std::filesystem::perms::group_write |
@@ -324,7 +325,7 @@ TEST_F(BlockDeviceDriveTest, ReadOnlyImageIsWriteProtectedAndNeverWritten) {
     const std::vector<uint8_t> data = filled(512, 0x77);
     EXPECT_EQ(drive->WriteSectors(0, 1, data.data(), 512), TestResult::DEVICEBUSY);
     drive->unLock();
-    EXPECT_EQ(image.contents(), imageBytes(0, kMiB));
+    EXPECT_EQ(image.bytes(), imageBytes(0, kMiB));
 }
 
 // Exposes the handle the drive gave its locking manager.
@@ -345,7 +346,7 @@ bool handleWrites(kivrlibdrive::Drive& drive) {
 // Windows answers a locked volume only through the handle that locked it, so while locked the
 // drive must read and write through that one handle, and be read-only again after unLock().
 TEST_F(BlockDeviceDriveTest, WhileLockedEveryTransferUsesTheHandleTheLockWasTakenWith) {
-    ImageFile image("lockhandle", kMiB);
+    TempImage image("lockhandle", kMiB, ImageFill::OffsetBytes);
     const quel5::DiagDevice device = deviceFor(image);
     LockHandleDrive drive(device);
     ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
@@ -389,11 +390,11 @@ TEST_F(BlockDeviceDriveTest, WhileLockedEveryTransferUsesTheHandleTheLockWasTake
     EXPECT_EQ(drive.ReadSectors(100, 1, buffer.data(), 512), TestResult::INTERNALERROR);
     EXPECT_EQ(drive.WriteSectors(100, 1, buffer.data(), 512), TestResult::INTERNALERROR);
     drive.CloseDevice();
-    EXPECT_EQ(image.contents(), expected);
+    EXPECT_EQ(image.bytes(), expected);
 }
 
 TEST_F(BlockDeviceDriveTest, HandleFollowsOpenAndClose) {
-    ImageFile image("handle", kMiB);
+    TempImage image("handle", kMiB, ImageFill::OffsetBytes);
     const quel5::DiagDevice device = deviceFor(image);
     auto drive = openDrive(device);
     std::vector<uint8_t> buffer(512);
@@ -423,7 +424,7 @@ TEST_F(BlockDeviceDriveTest, HandleFollowsOpenAndClose) {
 }
 
 TEST_F(BlockDeviceDriveTest, HandleClosedBehindTheDrivesBackEndsTheTest) {
-    ImageFile image("gone", kMiB);
+    TempImage image("gone", kMiB, ImageFill::OffsetBytes);
     const quel5::DiagDevice device = deviceFor(image);
     std::string error;
     std::unique_ptr<kivrlibdrive::Drive> drive = host::openBlockDrive(device, &error);

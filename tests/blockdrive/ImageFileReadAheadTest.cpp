@@ -10,15 +10,16 @@
 #include <string>
 #include <vector>
 
-#include "blockdrive/ImageFile.h"
 #include "drives/BlockDeviceDrive.h"
 #include "support/RecordingHost.h"
+#include "support/TempFile.h"
 
 namespace {
 
-using blockdrivetest::imageBytes;
-using blockdrivetest::ImageFile;
 using quel5::TestResult;
+using testsupport::imageBytes;
+using testsupport::ImageFill;
+using testsupport::TempImage;
 
 constexpr uint64_t kMiB = 1024 * 1024;
 constexpr uint32_t kSector = 512;
@@ -49,8 +50,8 @@ std::vector<BlockRead> sweep(host::BlockDeviceDrive& drive, uint64_t start, uint
 
 class ImageFileReadAheadTest : public ::testing::Test {
 protected:
-    std::unique_ptr<host::BlockDeviceDrive> open(const ImageFile& image) {
-        device_ = std::make_unique<quel5::DiagDevice>(QuelString(image.pathText().c_str()));
+    std::unique_ptr<host::BlockDeviceDrive> open(const TempImage& image) {
+        device_ = std::make_unique<quel5::DiagDevice>(QuelString(image.text().c_str()));
         auto drive = std::make_unique<host::BlockDeviceDrive>(*device_);
         EXPECT_EQ(drive->OpenDevice(), TestResult::PASS) << drive->lastError();
         return drive;
@@ -81,7 +82,7 @@ TEST_F(ImageFileReadAheadTest, SweepsReadTheRightDataAheadOfEveryBlock) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        ImageFile image("sweep", c.imageBytes);
+        TempImage image("sweep", c.imageBytes, ImageFill::OffsetBytes);
         auto drive = open(image);
         const uint64_t end = c.end == 0 ? drive->GetTotalSectors() : c.end;
         const std::vector<BlockRead> reads = sweep(*drive, c.start, end, c.stride, c.count);
@@ -108,7 +109,7 @@ TEST_F(ImageFileReadAheadTest, ImageCutShortFailsTheBlocksPastItsEndInOrder) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        ImageFile image("cut", 4 * kMiB);
+        TempImage image("cut", 4 * kMiB, ImageFill::OffsetBytes);
         auto drive = open(image);
         std::filesystem::resize_file(image.path(), c.newSize);
         const std::vector<BlockRead> reads = sweep(*drive, 0, drive->GetTotalSectors(), 64, 64);
@@ -138,7 +139,7 @@ TEST_F(ImageFileReadAheadTest, ReadsOffAStreamAreNotReadAhead) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        ImageFile image("random", 4 * kMiB + kSector);
+        TempImage image("random", 4 * kMiB + kSector, ImageFill::OffsetBytes);
         auto drive = open(image);
         std::vector<unsigned char> buffer(8 * kSector);
         for (uint64_t sector : c.sectors) {
@@ -162,7 +163,7 @@ TEST_F(ImageFileReadAheadTest, WritesUnderLockAreSeenByTheSweepAfterThem) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        ImageFile image("write", 2 * kMiB);
+        TempImage image("write", 2 * kMiB, ImageFill::OffsetBytes);
         auto drive = open(image);
         // Locked first: lock() changes the drive's handle, which starts read-ahead afresh.
         ASSERT_EQ(drive->lock(), TestResult::PASS);

@@ -1,65 +1,32 @@
 // The block-device drive over real kernel block devices: loop devices over temporary images.
 // Needs root and losetup; skips otherwise.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
-#include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "blockdrive/ImageFile.h"
 #include "drives/BlockDeviceDrive.h"
 #include "drives/ReadAhead.h"
+#include "support/LoopDevice.h"
 #include "support/RecordingHost.h"
+#include "support/TempFile.h"
 
 namespace {
 
-using blockdrivetest::imageBytes;
-using blockdrivetest::ImageFile;
 using quel5::TestResult;
+using testsupport::imageBytes;
+using testsupport::ImageFill;
+using testsupport::LoopDevice;
+using testsupport::TempImage;
 
 constexpr uint64_t kImageBytes = 8 * 1024 * 1024;
-
-// The command's standard output without the final newline, or "" when it failed.
-std::string run(const std::string& command) {
-    std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen((command + " 2>/dev/null").c_str(), "r"),
-                                               pclose);
-    if (!pipe) return {};
-    std::string out;
-    std::array<char, 256> chunk{};
-    while (fgets(chunk.data(), chunk.size(), pipe.get()) != nullptr) out += chunk.data();
-    if (pclose(pipe.release()) != 0) return {};
-    while (!out.empty() && out.back() == '\n') out.pop_back();
-    return out;
-}
-
-// A loop device over an image, detached at the end of the test.
-class LoopDevice {
-public:
-    LoopDevice(const ImageFile& image, const std::string& options)
-        : path_(run("losetup --find --show " + options + " " + image.pathText())) {}
-    ~LoopDevice() {
-        if (!path_.empty()) run("losetup -d " + path_);
-    }
-    LoopDevice(const LoopDevice&) = delete;
-    LoopDevice& operator=(const LoopDevice&) = delete;
-    const std::string& path() const { return path_; }
-
-private:
-    std::string path_;
-};
 
 class LoopDeviceDriveTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        if (geteuid() != 0 || !std::filesystem::exists("/dev/loop-control") ||
-            run("losetup --version").empty()) {
-            GTEST_SKIP() << "needs root and losetup";
-        }
+        if (const std::string why = testsupport::loopDevicesUnavailable(); !why.empty())
+            GTEST_SKIP() << why;
     }
     testsupport::RecordingHost host_;
     testsupport::ScopedHost installed_{host_};
@@ -76,10 +43,10 @@ TEST_F(LoopDeviceDriveTest, GeometryAndDataComeFromTheKernelDevice) {
         {"--direct-io=on --sector-size 4096", 4096, false},
         {"--read-only", 512, true},
     };
-    ImageFile image("loop", kImageBytes);
+    TempImage image("loop", kImageBytes, ImageFill::OffsetBytes);
     for (const Case& c : cases) {
         SCOPED_TRACE(c.options);
-        LoopDevice loop(image, c.options);
+        LoopDevice loop(image.text(), c.options);
         ASSERT_FALSE(loop.path().empty()) << "losetup " << c.options;
         quel5::DiagDevice device(QuelString(loop.path().c_str()));
         // The kernel's sector size wins over what the device description says.
@@ -107,8 +74,8 @@ TEST_F(LoopDeviceDriveTest, GeometryAndDataComeFromTheKernelDevice) {
 }
 
 TEST_F(LoopDeviceDriveTest, WriteUnderLockReachesTheBackingImage) {
-    ImageFile image("loopwrite", kImageBytes);
-    LoopDevice loop(image, "--direct-io=on");
+    TempImage image("loopwrite", kImageBytes, ImageFill::OffsetBytes);
+    LoopDevice loop(image.text(), "--direct-io=on");
     ASSERT_FALSE(loop.path().empty());
     quel5::DiagDevice device(QuelString(loop.path().c_str()));
     host::BlockDeviceDrive drive(device);
@@ -121,18 +88,18 @@ TEST_F(LoopDeviceDriveTest, WriteUnderLockReachesTheBackingImage) {
     drive.unLock();
     std::vector<uint8_t> expected = imageBytes(0, kImageBytes);
     std::copy(data.begin(), data.end(), expected.begin() + 9 * 512);
-    EXPECT_EQ(image.contents(), expected);
+    EXPECT_EQ(image.bytes(), expected);
 }
 
 TEST_F(LoopDeviceDriveTest, SectorsLostWhenTheDeviceShrinksFailWithoutEndingTheTest) {
-    ImageFile image("loopshrink", kImageBytes);
-    LoopDevice loop(image, "--direct-io=on");
+    TempImage image("loopshrink", kImageBytes, ImageFill::OffsetBytes);
+    LoopDevice loop(image.text(), "--direct-io=on");
     ASSERT_FALSE(loop.path().empty());
     quel5::DiagDevice device(QuelString(loop.path().c_str()));
     host::BlockDeviceDrive drive(device);
     ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
     std::filesystem::resize_file(image.path(), kImageBytes / 2);
-    ASSERT_EQ(run("losetup -c " + loop.path() + " && echo ok"), "ok");
+    ASSERT_TRUE(testsupport::succeeds("losetup -c " + loop.path()));
     struct Case {
         uint64_t sector;
         TestResult expected;
@@ -185,10 +152,10 @@ TEST_F(LoopDeviceDriveTest, SweepsReadAheadTheKernelDevicesData) {
         {"--direct-io=on --sector-size 4096", 4096, 256},
         {"--direct-io=off", 512, 128},
     };
-    ImageFile image("loopsweep", kImageBytes);
+    TempImage image("loopsweep", kImageBytes, ImageFill::OffsetBytes);
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.options << ", blocks of " << c.count);
-        LoopDevice loop(image, c.options);
+        LoopDevice loop(image.text(), c.options);
         ASSERT_FALSE(loop.path().empty()) << "losetup " << c.options;
         quel5::DiagDevice device(QuelString(loop.path().c_str()));
         host::BlockDeviceDrive drive(device);
@@ -221,8 +188,8 @@ TEST_F(LoopDeviceDriveTest, DeviceShrunkDuringASweepFailsTheLostBlocksInOrder) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        ImageFile image("loopcut", kImageBytes);
-        LoopDevice loop(image, "--direct-io=on");
+        TempImage image("loopcut", kImageBytes, ImageFill::OffsetBytes);
+        LoopDevice loop(image.text(), "--direct-io=on");
         ASSERT_FALSE(loop.path().empty());
         quel5::DiagDevice device(QuelString(loop.path().c_str()));
         host::BlockDeviceDrive drive(device);
@@ -230,7 +197,7 @@ TEST_F(LoopDeviceDriveTest, DeviceShrunkDuringASweepFailsTheLostBlocksInOrder) {
         constexpr uint32_t kCount = 128;
         std::vector<SweptBlock> blocks = sweep(drive, 0, 4 * kCount, kCount, 512);
         std::filesystem::resize_file(image.path(), c.newBytes);
-        ASSERT_EQ(run("losetup -c " + loop.path() + " && echo ok"), "ok");
+        ASSERT_TRUE(testsupport::succeeds("losetup -c " + loop.path()));
         const std::vector<SweptBlock> rest =
             sweep(drive, 4 * kCount, drive.GetTotalSectors(), kCount, 512);
         blocks.insert(blocks.end(), rest.begin(), rest.end());
@@ -247,24 +214,15 @@ TEST_F(LoopDeviceDriveTest, DeviceShrunkDuringASweepFailsTheLostBlocksInOrder) {
     }
 }
 
-// Write requests the loop device at `path` has completed (counted across attachments).
-unsigned long long writesDoneBy(const std::string& path) {
-    const std::string stat =
-        run("cat /sys/block/" + std::filesystem::path(path).filename().string() + "/stat");
-    unsigned long long readIos = 0, readMerges = 0, readSectors = 0, readTicks = 0, writeIos = 0;
-    std::istringstream(stat) >> readIos >> readMerges >> readSectors >> readTicks >> writeIos;
-    return writeIos;
-}
-
 TEST_F(LoopDeviceDriveTest, ReadOnlyDeviceRefusesTheLockBeforeAnyWrite) {
-    ImageFile image("loopro", kImageBytes);
-    LoopDevice loop(image, "--read-only");
+    TempImage image("loopro", kImageBytes, ImageFill::OffsetBytes);
+    LoopDevice loop(image.text(), "--read-only");
     ASSERT_FALSE(loop.path().empty());
     quel5::DiagDevice device(QuelString(loop.path().c_str()));
     host::BlockDeviceDrive drive(device);
     ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
     ASSERT_TRUE(drive.IsWriteProtected());
-    const unsigned long long writesBefore = writesDoneBy(loop.path());
+    const unsigned long long writesBefore = loop.writesDone();
 
     EXPECT_EQ(drive.lock(), TestResult::DEVICEBUSY);
     EXPECT_EQ(host_.eventKeys(), std::vector<std::string>{"DeviceBusy"});
@@ -273,8 +231,8 @@ TEST_F(LoopDeviceDriveTest, ReadOnlyDeviceRefusesTheLockBeforeAnyWrite) {
     EXPECT_EQ(drive.WriteSectors(1, 1, data.data(), 512), TestResult::DEVICEBUSY)
         << "a refused lock leaves nothing locked";
     drive.unLock();
-    EXPECT_EQ(writesDoneBy(loop.path()), writesBefore);
-    EXPECT_EQ(image.contents(), imageBytes(0, kImageBytes));
+    EXPECT_EQ(loop.writesDone(), writesBefore);
+    EXPECT_EQ(image.bytes(), imageBytes(0, kImageBytes));
 }
 
 }  // namespace

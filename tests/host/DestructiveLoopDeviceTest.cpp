@@ -3,63 +3,33 @@
 // middle, and after being refused because a filesystem on it is mounted. Needs root, losetup
 // (and mkfs.ext4 and mount for the mounted case); skipped elsewhere.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <random>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "DrivediagRun.h"
+#include "cli/ExitCodes.h"
 #include "cli/StopRequest.h"
+#include "support/LoopDevice.h"
+#include "support/TempFile.h"
 
 namespace {
 
-using Bytes = std::vector<char>;
+using Bytes = std::vector<uint8_t>;
+using quel5::TestResult;
+using testsupport::succeeds;
 using Args = std::vector<std::string>;
 
 constexpr std::size_t kImageBytes = 32 * 1024 * 1024;  // the cache test needs 16 MiB at least
 constexpr std::size_t kSectorBytes = 512;
-constexpr int kUserAbortedExit = 4;
-constexpr int kDeviceBusyExit = 8;
-
-// The first line a shell command prints, or "" when it fails.
-std::string firstLineOf(const std::string& command) {
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) return "";
-    char buffer[256] = {};
-    std::string line = std::fgets(buffer, sizeof buffer, pipe) ? buffer : "";
-    if (pclose(pipe) != 0) return "";
-    while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.pop_back();
-    return line;
-}
-
-bool succeeds(const std::string& command) { return std::system(command.c_str()) == 0; }
-
-Bytes readFile(const std::string& path) {
-    Bytes bytes(std::filesystem::file_size(path));
-    std::ifstream(path, std::ios::binary)
-        .read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    return bytes;
-}
-
-// Writes `bytes` of seeded pseudo-random data to `path`.
-void writeRandomImage(const std::string& path, std::size_t bytes) {
-    std::mt19937_64 random(20240611);
-    std::vector<std::uint64_t> words(bytes / sizeof(std::uint64_t));
-    for (auto& word : words) word = random();
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(words.data()), static_cast<std::streamsize>(bytes));
-}
 
 // The sectors in which `after` differs from `before`.
 std::vector<std::size_t> changedSectors(const Bytes& before, const Bytes& after) {
@@ -80,36 +50,22 @@ std::string describe(const std::vector<std::size_t>& sectors) {
     return text.str();
 }
 
-// A loop device over a random image file, both removed at the end of a test.
+// A loop device over an image of random data, both removed at the end of a test.
 class LoopImage {
 public:
-    LoopImage() : image_(kImageBytes) {
-        writeRandomImage(image_.path(), kImageBytes);
-        path_ = firstLineOf("losetup --find --show " + image_.path() + " 2>/dev/null");
-    }
-    ~LoopImage() {
-        if (!path_.empty()) succeeds("losetup -d " + path_ + " 2>/dev/null");
-    }
-    LoopImage(const LoopImage&) = delete;
-    LoopImage& operator=(const LoopImage&) = delete;
+    LoopImage()
+        : image_("destructive", kImageBytes, testsupport::ImageFill::RandomWords),
+          loop_(image_.text()) {}
 
-    const std::string& path() const { return path_; }
+    const std::string& path() const { return loop_.path(); }
     // The image's bytes as the loop device left them: it writes through the image's page
     // cache, so a read of the file sees every write the device has completed.
-    Bytes contents() const { return readFile(image_.path()); }
-    // Write requests the device has completed since it was attached.
-    unsigned long long writesDone() const {
-        std::ifstream stat("/sys/block/" + std::filesystem::path(path_).filename().string() +
-                           "/stat");
-        unsigned long long readIos = 0, readMerges = 0, readSectors = 0, readTicks = 0,
-                           writeIos = 0;
-        stat >> readIos >> readMerges >> readSectors >> readTicks >> writeIos;
-        return writeIos;
-    }
+    Bytes contents() const { return image_.bytes(); }
+    unsigned long long writesDone() const { return loop_.writesDone(); }
 
 private:
-    hosttest::TempImage image_;
-    std::string path_;
+    testsupport::TempImage image_;
+    testsupport::LoopDevice loop_;
 };
 
 // Requests a stop, as Ctrl-C does, once the device has completed `writes` more write requests:
@@ -139,32 +95,6 @@ private:
     std::thread watcher_;
 };
 
-// The filesystem on `device` mounted on a new temporary directory until destruction.
-class MountedFilesystem {
-public:
-    explicit MountedFilesystem(const std::string& device)
-        : directory_((std::filesystem::temp_directory_path() /
-                      ("drivediag-mnt-" + std::filesystem::path(device).filename().string()))
-                         .string()) {
-        std::filesystem::create_directories(directory_);
-        ok_ = succeeds("mount " + device + " " + directory_ + " 2>/dev/null");
-    }
-    ~MountedFilesystem() {
-        if (ok_) succeeds("umount " + directory_);
-        std::error_code ignored;
-        std::filesystem::remove(directory_, ignored);
-    }
-    MountedFilesystem(const MountedFilesystem&) = delete;
-    MountedFilesystem& operator=(const MountedFilesystem&) = delete;
-
-    bool ok() const { return ok_; }
-    const std::string& directory() const { return directory_; }
-
-private:
-    std::string directory_;
-    bool ok_ = false;
-};
-
 Args destructiveRun(const std::string& test, const std::string& device, const Args& sets) {
     Args args{"run", test, "--destructive", "--device", device, "--json"};
     for (const std::string& set : sets) {
@@ -177,8 +107,9 @@ Args destructiveRun(const std::string& test, const std::string& device, const Ar
 class DestructiveLoopDeviceTest : public testing::Test {
 protected:
     void SetUp() override {
-        if (geteuid() != 0) GTEST_SKIP() << "needs root to attach a loop device";
-        if (loop_.path().empty()) GTEST_SKIP() << "no loop device could be attached";
+        if (const std::string why = testsupport::loopDevicesUnavailable(); !why.empty())
+            GTEST_SKIP() << why;
+        ASSERT_FALSE(loop_.path().empty());
     }
     LoopImage loop_;
 };
@@ -200,7 +131,7 @@ TEST_F(DestructiveLoopDeviceTest, WholeRunsGiveEveryByteBack) {
         const unsigned long long writesBefore = loop_.writesDone();
         const hosttest::RunOutput run =
             hosttest::runDrivediag(destructiveRun(c.test, loop_.path(), c.sets));
-        EXPECT_EQ(run.exitCode, 0) << run.lines.back();
+        EXPECT_EQ(run.exitCode, host::exitCodeFor(TestResult::PASS)) << run.lines.back();
         EXPECT_GE(loop_.writesDone() - writesBefore, c.leastWrites)
             << "fewer writes than a whole run makes";
         const std::vector<std::size_t> changed = changedSectors(before, loop_.contents());
@@ -231,7 +162,7 @@ TEST_F(DestructiveLoopDeviceTest, StoppedRunsGiveEveryByteBack) {
             const StopAfterWrites stop(loop_, c.stopAfterWrites);
             run = hosttest::runDrivediag(destructiveRun(c.test, loop_.path(), c.sets));
         }
-        EXPECT_EQ(run.exitCode, kUserAbortedExit) << run.lines.back();
+        EXPECT_EQ(run.exitCode, host::exitCodeFor(TestResult::USERABORTED)) << run.lines.back();
         EXPECT_EQ(run.countLinesWith("{\"type\":\"percent\",\"percent\":100}"), 0u)
             << "the run ended before the stop";
         const std::vector<std::size_t> changed = changedSectors(before, loop_.contents());
@@ -245,7 +176,7 @@ TEST_F(DestructiveLoopDeviceTest, WithoutPreserveDataTestedSectorsAreLeftZeroed)
     const Bytes before = loop_.contents();
     const hosttest::RunOutput run = hosttest::runDrivediag(destructiveRun(
         "pattern", loop_.path(), {"PreserveData=false", "EndRange=MIN+1MB", "NumberOfSeeks=16"}));
-    ASSERT_EQ(run.exitCode, 0) << run.out;
+    ASSERT_EQ(run.exitCode, host::exitCodeFor(TestResult::PASS)) << run.out;
     const Bytes after = loop_.contents();
     const std::vector<std::size_t> changed = changedSectors(before, after);
     EXPECT_FALSE(changed.empty());
@@ -261,11 +192,10 @@ TEST_F(DestructiveLoopDeviceTest, WithoutPreserveDataTestedSectorsAreLeftZeroed)
 
 TEST_F(DestructiveLoopDeviceTest, MountedFilesystemIsRefusedUntouched) {
     // No lazy initialisation: the idle filesystem then writes nothing of its own.
-    if (!succeeds("mkfs.ext4 -q -F -E lazy_itable_init=0,lazy_journal_init=0 " + loop_.path() +
-                  " >/dev/null 2>&1"))
+    if (!succeeds("mkfs.ext4 -q -F -E lazy_itable_init=0,lazy_journal_init=0 " + loop_.path()))
         GTEST_SKIP() << "mkfs.ext4 is unavailable";
-    const MountedFilesystem mounted(loop_.path());
-    if (!mounted.ok()) GTEST_SKIP() << "the filesystem could not be mounted";
+    const testsupport::MountedFilesystem mounted(loop_.path());
+    if (!mounted.mounted()) GTEST_SKIP() << "the filesystem could not be mounted";
     std::ofstream(mounted.directory() + "/payload") << "kept as it is";
     // Written out now, so that later differences can only come from the tests.
     ASSERT_TRUE(succeeds("sync -f " + mounted.directory() + "/payload"));
@@ -275,7 +205,7 @@ TEST_F(DestructiveLoopDeviceTest, MountedFilesystemIsRefusedUntouched) {
         const Bytes before = loop_.contents();
         const hosttest::RunOutput run =
             hosttest::runDrivediag(destructiveRun(test, loop_.path(), {"PreserveData=true"}));
-        EXPECT_EQ(run.exitCode, kDeviceBusyExit) << run.out;
+        EXPECT_EQ(run.exitCode, host::exitCodeFor(TestResult::DEVICEBUSY)) << run.out;
         EXPECT_NE(run.lineWith({"\"type\":\"event\"", "\"key\":\"DeviceBusy\""}), "") << run.out;
         EXPECT_EQ(run.countLinesWith("\"type\":\"progress\""), 0u) << "nothing may be tested";
         const std::vector<std::size_t> changed = changedSectors(before, loop_.contents());

@@ -9,10 +9,11 @@
 
 #include "DrivediagRun.h"
 #include "cli/ConsoleHost.h"
+#include "cli/ExitCodes.h"
 #include "cli/StopRequest.h"
 #include "kiv/Log.h"
-#include "os/Clock.h"
-#include "os/VirtualClock.h"
+#include "support/ScopedVirtualClock.h"
+#include "support/TempFile.h"
 
 namespace {
 
@@ -22,10 +23,7 @@ using Args = std::vector<std::string>;
 
 class DrivediagEndToEndTest : public ::testing::Test {
 protected:
-    void SetUp() override { os::installClock(&clock_); }
-    void TearDown() override { os::installClock(nullptr); }
-
-    os::VirtualClock clock_{1700000000000ull};
+    testsupport::ScopedVirtualClock clock_{1700000000000ull};
 };
 
 TEST_F(DrivediagEndToEndTest, ResultsAndExitCodesOfRunsOnSimulatedDrives) {
@@ -107,7 +105,7 @@ TEST_F(DrivediagEndToEndTest, LongAndOverflowingRangeTextsAreBadParameters) {
         SCOPED_TRACE(c.name);
         const RunOutput run =
             runDrivediag({"run", "linear-seek", "--json", "--device", "sim:4GiB", "--set", c.set});
-        EXPECT_EQ(run.exitCode, 3) << run.err;
+        EXPECT_EQ(run.exitCode, host::exitCodeFor(quel5::TestResult::BADPARAMS)) << run.err;
         EXPECT_NE(run.lineWith({"\"type\":\"event\"", std::string("\"key\":\"") + c.eventKey}), "");
         EXPECT_EQ(run.countLinesWith("\"type\":\"progress\""), 0u) << "no sector was read";
         ASSERT_FALSE(run.lines.empty());
@@ -129,7 +127,7 @@ TEST_F(DrivediagEndToEndTest, OverridesReplaceDefaultsInTheStartLine) {
 
 TEST_F(DrivediagEndToEndTest, PlainRunOnTheBuiltInDriveShowsProgressAndItsBadSectors) {
     const RunOutput run = runDrivediag({"run", "linear-seek"});
-    EXPECT_EQ(run.exitCode, 1) << run.out << run.err;
+    EXPECT_EQ(run.exitCode, host::exitCodeFor(quel5::TestResult::FAIL)) << run.out << run.err;
     EXPECT_EQ(run.lines.front().rfind("Running linear-seek on sim:1GiB,", 0), 0u);
     // About 770 reads of 3 ms before the worn area: a report after every second that passed.
     const std::size_t reports = run.countLinesWith("Reading sector ");
@@ -145,7 +143,7 @@ TEST_F(DrivediagEndToEndTest, JsonRunWritesOneObjectPerLine) {
     const RunOutput run =
         runDrivediag({"run", "linear-seek", "--json", "--device", "sim:1000s,bad=500,cost=50",
                       "--set", "NumberOfSeeks=100", "--set", "MaxErrors=1"});
-    EXPECT_EQ(run.exitCode, 1) << run.err;
+    EXPECT_EQ(run.exitCode, host::exitCodeFor(quel5::TestResult::FAIL)) << run.err;
     ASSERT_GE(run.lines.size(), 3u);
     for (const std::string& line : run.lines) {
         EXPECT_EQ(line.front(), '{') << line;
@@ -176,10 +174,10 @@ TEST_F(DrivediagEndToEndTest, JsonRunWritesOneObjectPerLine) {
 }
 
 TEST_F(DrivediagEndToEndTest, AnImageFileIsTestedThroughTheBlockDrive) {
-    const hosttest::TempImage image(512 * 1024);
+    const testsupport::TempImage image("end-to-end", 512 * 1024);
     const RunOutput run =
-        runDrivediag({"run", "linear-seek", "--device", image.path(), "--set", "NumberOfSeeks=64"});
-    EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+        runDrivediag({"run", "linear-seek", "--device", image.text(), "--set", "NumberOfSeeks=64"});
+    EXPECT_EQ(run.exitCode, host::exitCodeFor(quel5::TestResult::PASS)) << run.out << run.err;
     EXPECT_EQ(run.lines.back(), "Result: PASS (exit code 0)");
 }
 
@@ -190,12 +188,12 @@ TEST_F(DrivediagEndToEndTest, LogFileReceivesTheLibraryLogFromTheChosenPriority)
     } cases[] = {{"1", true}, {"2", false}, {"4", false}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.level);
-        const hosttest::TempImage log(0);
+        const testsupport::TempFile log("log", "");
         const int priorityBefore = kiv::LogFactory::getPriority();
         const RunOutput run =
-            runDrivediag({"run", "linear-seek", "--device", "sim:1000s", "--log", log.path(),
+            runDrivediag({"run", "linear-seek", "--device", "sim:1000s", "--log", log.text(),
                           "--log-level", c.level, "--set", "NumberOfSeeks=10"});
-        EXPECT_EQ(run.exitCode, 0) << run.err;
+        EXPECT_EQ(run.exitCode, host::exitCodeFor(quel5::TestResult::PASS)) << run.err;
         std::ifstream file(log.path());
         const std::string logged((std::istreambuf_iterator<char>(file)),
                                  std::istreambuf_iterator<char>());
@@ -240,7 +238,7 @@ TEST_F(DrivediagEndToEndTest, BadCommandLinesGiveAClearErrorAndTheUsageCode) {
 
 TEST_F(DrivediagEndToEndTest, TestsCommandShowsEveryTestWithItsDefaults) {
     const RunOutput text = runDrivediag({"tests"});
-    EXPECT_EQ(text.exitCode, 0);
+    EXPECT_EQ(text.exitCode, host::exitCodeFor(quel5::TestResult::PASS));
     EXPECT_EQ(text.lines.at(0), "linear-seek");
     EXPECT_EQ(text.lines.at(2), "    defaults: MaxErrors=10 NumberOfSeeks=1000");
     const RunOutput json = runDrivediag({"tests", "--json"});
@@ -254,7 +252,7 @@ TEST_F(DrivediagEndToEndTest, HelpIsAvailableEverywhere) {
     for (const Args& args : {Args{}, Args{"--help"}, Args{"help"}, Args{"run", "--help"},
                              Args{"tests", "--help"}, Args{"list", "-h"}}) {
         const RunOutput run = runDrivediag(args);
-        EXPECT_EQ(run.exitCode, 0);
+        EXPECT_EQ(run.exitCode, host::exitCodeFor(quel5::TestResult::PASS));
         EXPECT_NE(run.out.find("usage: drivediag"), std::string::npos);
         EXPECT_NE(run.out.find("Exit codes:"), std::string::npos);
     }

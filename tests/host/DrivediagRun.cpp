@@ -36,18 +36,4 @@ RunOutput runDrivediag(const std::vector<std::string>& args) {
     return result;
 }
 
-TempImage::TempImage(std::size_t bytes) {
-    const auto path = std::filesystem::temp_directory_path() /
-                      ("drivediag-image-" + std::to_string(std::random_device{}()) + ".img");
-    path_ = path.string();
-    std::ofstream file(path, std::ios::binary);
-    const std::string zeros(bytes, '\0');
-    file.write(zeros.data(), static_cast<std::streamsize>(zeros.size()));
-}
-
-TempImage::~TempImage() {
-    std::error_code ignored;
-    std::filesystem::remove(path_, ignored);
-}
-
 }  // namespace hosttest

@@ -20,18 +20,4 @@ struct RunOutput {
 // Runs drivediag with `args` as if from a pipe (no terminal).
 RunOutput runDrivediag(const std::vector<std::string>& args);
 
-// A file in the temporary directory, removed at the end of the test.
-class TempImage {
-public:
-    // A new image file of `bytes` zero bytes.
-    explicit TempImage(std::size_t bytes);
-    ~TempImage();
-    TempImage(const TempImage&) = delete;
-    TempImage& operator=(const TempImage&) = delete;
-    const std::string& path() const { return path_; }
-
-private:
-    std::string path_;
-};
-
 }  // namespace hosttest

@@ -20,6 +20,9 @@
 #include <vector>
 
 #include "DrivediagRun.h"
+#include "cli/ExitCodes.h"
+#include "support/LoopDevice.h"
+#include "support/TempFile.h"
 
 extern char** environ;
 
@@ -28,7 +31,6 @@ namespace {
 using Args = std::vector<std::string>;
 using namespace std::chrono_literals;
 
-constexpr int kUserAbortedExit = 4;
 constexpr std::size_t kImageBytes = 32 * 1024 * 1024;
 
 std::string readText(const std::string& path) {
@@ -106,58 +108,36 @@ TEST(DrivediagSignal, EveryTerminationSignalStopsTheTestOnASimulatedDrive) {
         ASSERT_TRUE(waitFor(
             [&] { return readText(output).find("\"type\":\"percent\"") != std::string::npos; }));
         run.signal(number);
-        EXPECT_EQ(run.wait(), kUserAbortedExit) << readText(output);
+        EXPECT_EQ(run.wait(), host::exitCodeFor(quel5::TestResult::USERABORTED))
+            << readText(output);
         EXPECT_NE(readText(output).find("\"result\":\"USERABORTED\""), std::string::npos);
         std::filesystem::remove(output);
     }
 }
 
-bool succeeds(const std::string& command) { return std::system(command.c_str()) == 0; }
-
 // A loop device over an image of random data, detached and removed at the end.
 class RandomLoop {
 public:
-    RandomLoop() : image_(kImageBytes) {
-        std::mt19937_64 random(97);
-        std::vector<uint64_t> words(kImageBytes / 8);
-        for (auto& word : words) word = random();
-        std::ofstream(image_.path(), std::ios::binary)
-            .write(reinterpret_cast<const char*>(words.data()),
-                   static_cast<std::streamsize>(kImageBytes));
-        FILE* pipe =
-            popen(("losetup --find --show " + image_.path() + " 2>/dev/null").c_str(), "r");
-        char line[128] = {};
-        if (pipe && std::fgets(line, sizeof line, pipe)) path_ = line;
-        if (pipe) pclose(pipe);
-        while (!path_.empty() && path_.back() == '\n') path_.pop_back();
-    }
-    ~RandomLoop() {
-        if (!path_.empty()) succeeds("losetup -d " + path_);
-    }
-    RandomLoop(const RandomLoop&) = delete;
-    RandomLoop& operator=(const RandomLoop&) = delete;
+    RandomLoop()
+        : image_("signal", kImageBytes, testsupport::ImageFill::RandomWords),
+          loop_(image_.text()) {}
 
-    const std::string& path() const { return path_; }
+    const std::string& path() const { return loop_.path(); }
     // The loop device writes through the image's page cache: the file shows every completed write.
-    std::string contents() const { return readText(image_.path()); }
-    unsigned long long writesDone() const {
-        std::ifstream stat("/sys/block/" + std::filesystem::path(path_).filename().string() +
-                           "/stat");
-        unsigned long long values[5] = {};
-        for (auto& value : values) stat >> value;
-        return values[4];
-    }
+    std::string contents() const { return image_.contents(); }
+    unsigned long long writesDone() const { return loop_.writesDone(); }
 
 private:
-    hosttest::TempImage image_;
-    std::string path_;
+    testsupport::TempImage image_;
+    testsupport::LoopDevice loop_;
 };
 
 class DrivediagSignalLoop : public testing::Test {
 protected:
     void SetUp() override {
-        if (geteuid() != 0) GTEST_SKIP() << "needs root to attach a loop device";
-        if (loop_.path().empty()) GTEST_SKIP() << "no loop device could be attached";
+        if (const std::string why = testsupport::loopDevicesUnavailable(); !why.empty())
+            GTEST_SKIP() << why;
+        ASSERT_FALSE(loop_.path().empty());
         std::filesystem::remove(journal_);
     }
     void TearDown() override {
@@ -202,7 +182,8 @@ TEST_F(DrivediagSignalLoop, TermAndHangUpGiveTheDeviceBackUnchanged) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.test + " " + strsignal(c.signal));
         const std::string before = loop_.contents();
-        EXPECT_EQ(signalAfterWrites(c.test, c.signal, c.writes), kUserAbortedExit)
+        EXPECT_EQ(signalAfterWrites(c.test, c.signal, c.writes),
+                  host::exitCodeFor(quel5::TestResult::USERABORTED))
             << readText(output_);
         EXPECT_TRUE(loop_.contents() == before);
         // A run that gave every byte back leaves no journal behind.
@@ -220,7 +201,7 @@ TEST_F(DrivediagSignalLoop, KilledAtRandomMomentsRestoreGivesEveryByteBack) {
         EXPECT_EQ(signalAfterWrites(test, SIGKILL, writes), 128 + SIGKILL);
         ASSERT_TRUE(std::filesystem::exists(journal_));
         Process restore({"restore", journal_}, output_);
-        EXPECT_EQ(restore.wait(), 0) << readText(output_);
+        EXPECT_EQ(restore.wait(), host::exitCodeFor(quel5::TestResult::PASS)) << readText(output_);
         EXPECT_TRUE(loop_.contents() == original);
         EXPECT_FALSE(std::filesystem::exists(journal_));
     }

@@ -11,6 +11,8 @@
 #include "DrivediagRun.h"
 #include "checksum/ChecksumFileMaker.h"
 #include "checksum/ChecksumSetup.h"
+#include "cli/ExitCodes.h"
+#include "support/TempFile.h"
 
 namespace {
 
@@ -25,29 +27,18 @@ std::string utf8(const fs::path& path) {
 // A directory standing for a medium's mount point, removed at the end of the test.
 class MediumDirectory {
 public:
-    MediumDirectory() {
-        path_ = fs::temp_directory_path() /
-                ("drivediag-medium-" +
-                 std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(path_);
-        fs::create_directories(path_);
-    }
-    ~MediumDirectory() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    std::string file(const std::string& name) const { return utf8(path_ / name); }
-    std::string root() const { return utf8(path_); }
+    std::string file(const std::string& name) const { return utf8(directory_.path() / name); }
+    std::string root() const { return utf8(directory_.path()); }
     void write(const std::string& name, const std::string& bytes) const {
-        std::ofstream(path_ / name, std::ios::binary) << bytes;
+        std::ofstream(directory_.path() / name, std::ios::binary) << bytes;
     }
     std::string read(const std::string& name) const {
-        std::ifstream in(path_ / name, std::ios::binary);
+        std::ifstream in(directory_.path() / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     }
 
 private:
-    fs::path path_;
+    testsupport::TempDirectory directory_{"medium"};
 };
 
 TEST(DestructiveGuard, WritingTestsNeedTheirFlag) {
@@ -69,7 +60,7 @@ TEST(DestructiveGuard, WritingTestsNeedTheirFlag) {
         const hosttest::RunOutput output = runDrivediag(c.args);
         EXPECT_EQ(output.exitCode, c.exitCode) << output.err;
         EXPECT_NE(output.err.find(c.says), std::string::npos) << output.err;
-        if (c.exitCode == 64) {
+        if (c.exitCode == host::kExitUsage) {
             EXPECT_TRUE(output.out.empty()) << "nothing ran";
         }
     }
@@ -181,7 +172,7 @@ TEST(MakeChecksumFile, TheFileItWritesPassesTheChecksumTest) {
         medium.write("data", c.data);
         const auto made =
             runDrivediag({"make-checksum-file", medium.file("data"), medium.file("CHECKSUM.BIN")});
-        ASSERT_EQ(made.exitCode, 0) << made.err;
+        ASSERT_EQ(made.exitCode, host::exitCodeFor(quel5::TestResult::PASS)) << made.err;
         EXPECT_EQ(made.out.find("Note:") != std::string::npos, !c.noteAt.empty());
         if (!c.noteAt.empty()) {
             EXPECT_NE(made.out.find(c.noteAt), std::string::npos);
@@ -192,13 +183,14 @@ TEST(MakeChecksumFile, TheFileItWritesPassesTheChecksumTest) {
 
         const std::vector<std::string> run = {"run", "checksum", "--drive-letter",
                                               "E",   "--map",    "E=" + medium.root()};
-        EXPECT_EQ(runDrivediag(run).exitCode, 0) << "the file as written passes";
+        EXPECT_EQ(runDrivediag(run).exitCode, host::exitCodeFor(quel5::TestResult::PASS))
+            << "the file as written passes";
         if (c.data.empty()) continue;
         std::string changed = written;
         changed[0] = static_cast<char>(changed[0] ^ 0x20);
         medium.write("CHECKSUM.BIN", changed);
         const auto failed = runDrivediag(run);
-        EXPECT_EQ(failed.exitCode, 1);
+        EXPECT_EQ(failed.exitCode, host::exitCodeFor(quel5::TestResult::FAIL));
         EXPECT_EQ(failed.countLinesWith("CHECKSUM_TEST_FAIL"), 1u);
     }
 
@@ -217,9 +209,10 @@ TEST(MakeChecksumFile, FilesThatCannotBeUsedAreReported) {
         std::vector<std::string> args;
         int exitCode;
     } cases[] = {
-        {{"make-checksum-file", medium.file("missing"), medium.file("out")}, 66},
-        {{"make-checksum-file", medium.file("missing")}, 64},
-        {{"make-checksum-file", medium.root(), medium.file("no-such-dir/out")}, 66},
+        {{"make-checksum-file", medium.file("missing"), medium.file("out")}, host::kExitNoDevice},
+        {{"make-checksum-file", medium.file("missing")}, host::kExitUsage},
+        {{"make-checksum-file", medium.root(), medium.file("no-such-dir/out")},
+         host::kExitNoDevice},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.args));
@@ -255,7 +248,7 @@ TEST(ChecksumRun, AMissingMediumIsAskedForThroughTheHost) {
     medium.write("FALLBACK.BIN", "abc");
     const auto fallback = runDrivediag({"run", "checksum", "--drive-letter", "E", "--map", map,
                                         "--expected", "900150983cd24fb0d6963f7d28e17f72"});
-    EXPECT_EQ(fallback.exitCode, 0) << fallback.out;
+    EXPECT_EQ(fallback.exitCode, host::exitCodeFor(quel5::TestResult::PASS)) << fallback.out;
 }
 
 }  // namespace

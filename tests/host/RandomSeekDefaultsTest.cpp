@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "DrivediagRun.h"
+#include "cli/ExitCodes.h"
 #include "libDrive/RandomSeekDraw.h"
-#include "os/Clock.h"
-#include "os/VirtualClock.h"
+#include "support/ScopedVirtualClock.h"
 
 namespace {
 
@@ -24,16 +24,12 @@ uint32_t countingSeeds() { return nextSeed++; }
 class RandomSeekDefaultsTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        os::installClock(&clock_);
         nextSeed = 1;
         kivrlibdrive::SetSeekSeedSource(countingSeeds);
     }
-    void TearDown() override {
-        kivrlibdrive::SetSeekSeedSource(nullptr);
-        os::installClock(nullptr);
-    }
+    void TearDown() override { kivrlibdrive::SetSeekSeedSource(nullptr); }
 
-    os::VirtualClock clock_{1700000000000ull};
+    testsupport::ScopedVirtualClock clock_{1700000000000ull};
 };
 
 TEST_F(RandomSeekDefaultsTest, HealthyDrivesPassEveryRunWithTheDefaults) {
@@ -52,8 +48,9 @@ TEST_F(RandomSeekDefaultsTest, HealthyDrivesPassEveryRunWithTheDefaults) {
         SCOPED_TRACE(c.device);
         for (int run = 0; run < c.runs; ++run) {
             const RunOutput output = runDrivediag({"run", "random-seek", "--device", c.device});
-            ASSERT_EQ(output.exitCode, 0) << "run " << run << " (seeds from " << nextSeed << "):\n"
-                                          << output.out;
+            ASSERT_EQ(output.exitCode, host::exitCodeFor(quel5::TestResult::PASS))
+                << "run " << run << " (seeds from " << nextSeed << "):\n"
+                << output.out;
         }
     }
 }

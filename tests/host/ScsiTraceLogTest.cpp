@@ -8,9 +8,8 @@
 
 #include "cli/LogSession.h"
 #include "kiv/Log.h"
-#include "os/Clock.h"
-#include "os/VirtualClock.h"
 #include "scsi/UnitCommands.h"
+#include "support/ScopedVirtualClock.h"
 #include "support/RecordingTarget.h"
 
 namespace {
@@ -24,10 +23,7 @@ struct Case {
 // The trace line carries the command's duration: on the virtual clock it is exactly 0 ms.
 class ScsiTraceLogTest : public ::testing::Test {
 protected:
-    void SetUp() override { os::installClock(&clock_); }
-    void TearDown() override { os::installClock(nullptr); }
-
-    os::VirtualClock clock_{1'700'000'000'000};
+    testsupport::ScopedVirtualClock clock_{1'700'000'000'000};
 };
 
 TEST_F(ScsiTraceLogTest, CommandsAreLoggedOnTheTraceLoggerAtLevelOne) {

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "cli/DriveList.h"
+#include "support/TempFile.h"
 
 namespace {
 
@@ -13,24 +14,15 @@ namespace fs = std::filesystem;
 // A /sys/block-shaped tree in a temporary directory, removed at the end.
 class FakeSysBlock {
 public:
-    FakeSysBlock() {
-        root_ = fs::temp_directory_path() /
-                ("drivediag-sysblock-" + std::to_string(std::random_device{}()));
-        fs::create_directories(root_);
-    }
-    ~FakeSysBlock() {
-        std::error_code ignored;
-        fs::remove_all(root_, ignored);
-    }
     void write(const std::string& relative, const std::string& content) {
-        const fs::path file = root_ / relative;
+        const fs::path file = root_.path() / relative;
         fs::create_directories(file.parent_path());
         std::ofstream(file) << content;
     }
-    const fs::path& root() const { return root_; }
+    const fs::path& root() const { return root_.path(); }
 
 private:
-    fs::path root_;
+    testsupport::TempDirectory root_{"sysblock"};
 };
 
 TEST(SysBlockScanTest, ListsWholeDisksAndSkipsWhatCannotBeTested) {

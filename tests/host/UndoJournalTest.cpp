@@ -12,8 +12,10 @@
 #include <vector>
 
 #include "DrivediagRun.h"
+#include "cli/ExitCodes.h"
 #include "drives/UndoJournal.h"
 #include "drives/UndoJournalFormat.h"
+#include "support/TempFile.h"
 
 namespace {
 
@@ -291,36 +293,37 @@ TEST_F(UndoJournalTest, UnreadableSectorsAreNeverOverwritten) {
 // restore on image files, in-process: puts the data back and verifies it; refuses a device of
 // another size, leaving it untouched.
 TEST_F(UndoJournalTest, RestorePutsBackAndRefusesAnotherSize) {
-    hosttest::TempImage image(kSectors * kSector);
-    hosttest::TempImage smaller((kSectors - 8) * kSector);
+    testsupport::TempImage image("undo", kSectors * kSector);
+    testsupport::TempImage smaller("undo-smaller", (kSectors - 8) * kSector);
     const auto writeImage = [](const std::string& path, const Bytes& bytes) {
         std::ofstream(path, std::ios::binary | std::ios::trunc)
             .write(reinterpret_cast<const char*>(bytes.data()),
                    static_cast<std::streamsize>(bytes.size()));
     };
-    writeImage(image.path(), original_);
+    writeImage(image.text(), original_);
     {
         std::string error;
-        auto journal = host::UndoJournal::create(path_, {image.path(), kSectors, kSector}, &error);
+        auto journal = host::UndoJournal::create(path_, {image.text(), kSectors, kSector}, &error);
         ASSERT_NE(journal, nullptr) << error;
         journal->bind(device_.access());
         ASSERT_TRUE(write(*journal, 40, Bytes(kSector, 0xF0)));
         ASSERT_TRUE(write(*journal, 1024, Bytes(8 * kSector, 0x0F)));
         EXPECT_FALSE(journal->finish());
     }
-    writeImage(image.path(), device_.bytes);
-    const std::string smallerBefore = fileText(smaller.path());
+    writeImage(image.text(), device_.bytes);
+    const std::string smallerBefore = fileText(smaller.text());
 
-    const auto refused = hosttest::runDrivediag({"restore", path_, "--device", smaller.path()});
-    EXPECT_EQ(refused.exitCode, 65) << refused.err;
+    const auto refused = hosttest::runDrivediag({"restore", path_, "--device", smaller.text()});
+    EXPECT_EQ(refused.exitCode, host::kExitUndoJournal) << refused.err;
     EXPECT_NE(refused.err.find("refused"), std::string::npos) << refused.err;
-    EXPECT_EQ(fileText(smaller.path()), smallerBefore);
+    EXPECT_EQ(fileText(smaller.text()), smallerBefore);
 
     const auto restored = hosttest::runDrivediag({"restore", path_, "--json"});
-    EXPECT_EQ(restored.exitCode, 0) << restored.err << restored.out;
+    EXPECT_EQ(restored.exitCode, host::exitCodeFor(quel5::TestResult::PASS))
+        << restored.err << restored.out;
     EXPECT_NE(restored.lineWith({"\"type\":\"restore\"", "\"records\":2", "\"different\":0"}), "")
         << restored.out;
-    const std::string after = fileText(image.path());
+    const std::string after = fileText(image.text());
     ASSERT_EQ(after.size(), original_.size());
     std::size_t firstDifferent = 0;
     while (firstDifferent < after.size() &&
@@ -333,24 +336,25 @@ TEST_F(UndoJournalTest, RestorePutsBackAndRefusesAnotherSize) {
 // A run journals only when it preserves data, never over an earlier run's journal, and leaves
 // no journal behind when it gave every byte back.
 TEST_F(UndoJournalTest, ARunJournalsOnlyWhatItMustAndCleansUp) {
-    hosttest::TempImage image(kSectors * kSector);
+    testsupport::TempImage image("undo", kSectors * kSector);
     const auto runPattern = [&](const std::string& preserve) {
-        return hosttest::runDrivediag({"run", "pattern", "--destructive", "--device", image.path(),
+        return hosttest::runDrivediag({"run", "pattern", "--destructive", "--device", image.text(),
                                        "--undo", path_, "--set", "PreserveData=" + preserve,
                                        "--set", "NumberOfSeeks=8", "--set", "EndRange=MIN+64"});
     };
     std::ofstream(path_) << "an earlier run's journal";
     const auto refused = runPattern("true");
-    EXPECT_EQ(refused.exitCode, 65) << refused.err;
+    EXPECT_EQ(refused.exitCode, host::kExitUndoJournal) << refused.err;
     EXPECT_NE(refused.err.find("drivediag restore " + path_), std::string::npos) << refused.err;
     EXPECT_EQ(fileText(path_), "an earlier run's journal");
     std::filesystem::remove(path_);
 
     const auto preserved = runPattern("true");
-    EXPECT_EQ(preserved.exitCode, 0) << preserved.err << preserved.out;
+    EXPECT_EQ(preserved.exitCode, host::exitCodeFor(quel5::TestResult::PASS))
+        << preserved.err << preserved.out;
     EXPECT_FALSE(std::filesystem::exists(path_));
     const auto discarded = runPattern("false");
-    EXPECT_EQ(discarded.exitCode, 0) << discarded.err;
+    EXPECT_EQ(discarded.exitCode, host::exitCodeFor(quel5::TestResult::PASS)) << discarded.err;
     EXPECT_FALSE(std::filesystem::exists(path_));
 }
 

@@ -6,12 +6,9 @@
 #include <linux/fiemap.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <optional>
@@ -20,34 +17,23 @@
 #include <vector>
 
 #include "DrivediagRun.h"
+#include "cli/ExitCodes.h"
+#include "support/LoopDevice.h"
+#include "support/TempFile.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using Args = std::vector<std::string>;
 using Bytes = std::vector<char>;
+using quel5::TestResult;
+using testsupport::ImageFill;
+using testsupport::succeeds;
 
 constexpr std::size_t kImageBytes = 64 * 1024 * 1024;
 constexpr std::size_t kSectorBytes = 512;
 constexpr std::size_t kPayloadBytes = 64 * 1024;
 constexpr uint64_t kTestedSectors = 8;
-constexpr int kDeviceBusyExit = 8;
-constexpr int kReadOnlyExit = 77;
-
-// The first line a shell command prints, or "" when it fails.
-std::string firstLineOf(const std::string& command) {
-    FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
-    if (!pipe) return "";
-    char buffer[256] = {};
-    std::string line = std::fgets(buffer, sizeof buffer, pipe) ? buffer : "";
-    if (pclose(pipe) != 0) return "";
-    while (!line.empty() && line.back() == '\n') line.pop_back();
-    return line;
-}
-
-bool succeeds(const std::string& command) {
-    return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
-}
 
 Bytes readAt(const std::string& path, uint64_t offset, std::size_t bytes) {
     Bytes data(bytes);
@@ -74,64 +60,35 @@ std::optional<uint64_t> firstDataSector(const std::string& path) {
     return map->fm_extents[0].fe_physical / kSectorBytes;
 }
 
-// Write requests the loop device has completed (counted across attachments).
-unsigned long long writesDoneBy(const std::string& loop) {
-    std::ifstream stat("/sys/block/" + fs::path(loop).filename().string() + "/stat");
-    unsigned long long readIos = 0, readMerges = 0, readSectors = 0, readTicks = 0, writeIos = 0;
-    stat >> readIos >> readMerges >> readSectors >> readTicks >> writeIos;
-    return writeIos;
-}
-
-// An image file of `bytes` (random, or an ext4 filesystem) with a loop device over it, both
-// removed at the end; a mount of the filesystem when mount() is called.
+// An image file (random, or an ext4 filesystem) with a loop device over it, both removed at the
+// end; a mount of the filesystem when mount() is called.
 class LoopImage {
 public:
-    LoopImage(const std::string& losetupOptions, bool withFilesystem) : image_(kImageBytes) {
-        if (withFilesystem) {
-            // No lazy initialisation: the mounted filesystem then writes nothing of its own.
-            if (!succeeds("mkfs.ext4 -q -F -E lazy_itable_init=0,lazy_journal_init=0 " +
-                          image_.path()))
-                return;
-        } else {
-            std::mt19937 random(611);
-            std::vector<uint32_t> words(kImageBytes / sizeof(uint32_t));
-            std::generate(words.begin(), words.end(), random);
-            std::ofstream(image_.path(), std::ios::binary)
-                .write(reinterpret_cast<const char*>(words.data()),
-                       static_cast<std::streamsize>(kImageBytes));
-        }
-        loop_ = firstLineOf("losetup --find --show " + losetupOptions + " " + image_.path());
+    LoopImage(const std::string& losetupOptions, bool withFilesystem)
+        : image_("refusal", kImageBytes,
+                 withFilesystem ? ImageFill::Zeros : ImageFill::RandomWords) {
+        // No lazy initialisation: the mounted filesystem then writes nothing of its own.
+        if (withFilesystem &&
+            !succeeds("mkfs.ext4 -q -F -E lazy_itable_init=0,lazy_journal_init=0 " + image_.text()))
+            return;
+        loop_.emplace(image_.text(), losetupOptions);
     }
-    ~LoopImage() {
-        if (mounted_) succeeds("umount " + mountPoint_);
-        if (!mountPoint_.empty()) fs::remove(mountPoint_);
-        if (!loop_.empty()) succeeds("losetup -d " + loop_);
-    }
-    LoopImage(const LoopImage&) = delete;
-    LoopImage& operator=(const LoopImage&) = delete;
 
     bool mount() {
-        mountPoint_ = (fs::temp_directory_path() /
-                       ("drivediag-refusal-" + fs::path(loop_).filename().string()))
-                          .string();
-        fs::create_directories(mountPoint_);
-        mounted_ = succeeds("mount " + loop_ + " " + mountPoint_);
-        return mounted_;
+        mounted_.emplace(loop());
+        return mounted_->mounted();
     }
-    bool unmount() {
-        mounted_ = mounted_ && !succeeds("umount " + mountPoint_);
-        return !mounted_;
-    }
+    bool unmount() { return !mounted_ || mounted_->unmount(); }
 
-    const std::string& image() const { return image_.path(); }
-    const std::string& loop() const { return loop_; }
-    const std::string& mountPoint() const { return mountPoint_; }
+    const std::string& image() const { return image_.text(); }
+    std::string loop() const { return loop_ ? loop_->path() : ""; }
+    std::string mountPoint() const { return mounted_ ? mounted_->directory() : ""; }
+    unsigned long long writesDone() const { return loop_->writesDone(); }
 
 private:
-    hosttest::TempImage image_;
-    std::string loop_;
-    std::string mountPoint_;
-    bool mounted_ = false;
+    testsupport::TempImage image_;
+    std::optional<testsupport::LoopDevice> loop_;
+    std::optional<testsupport::MountedFilesystem> mounted_;
 };
 
 Args patternRun(const std::string& device, uint64_t start) {
@@ -153,8 +110,8 @@ Args patternRun(const std::string& device, uint64_t start) {
 class WriteRefusalLoopTest : public testing::Test {
 protected:
     void SetUp() override {
-        if (geteuid() != 0) GTEST_SKIP() << "needs root for losetup and mount";
-        if (firstLineOf("losetup --version").empty()) GTEST_SKIP() << "no losetup";
+        if (const std::string why = testsupport::loopDevicesUnavailable(); !why.empty())
+            GTEST_SKIP() << why;
     }
 };
 
@@ -187,7 +144,7 @@ TEST_F(WriteRefusalLoopTest, ImageOfAMountedLoopDeviceIsRefusedAndItsFileKept) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.device);
         const hosttest::RunOutput run = hosttest::runDrivediag(patternRun(c.device, *sector));
-        EXPECT_EQ(run.exitCode, kDeviceBusyExit) << run.out << run.err;
+        EXPECT_EQ(run.exitCode, host::exitCodeFor(TestResult::DEVICEBUSY)) << run.out << run.err;
         EXPECT_NE(run.lineWith({"ERROR:", "[DeviceBusy"}), "") << run.out;
         EXPECT_NE(run.err.find("drivediag: the device was not locked: " + c.says),
                   std::string::npos)
@@ -199,7 +156,7 @@ TEST_F(WriteRefusalLoopTest, ImageOfAMountedLoopDeviceIsRefusedAndItsFileKept) {
     // above is what kept them. The loop device stays attached, unused: that alone is no refusal.
     ASSERT_TRUE(fsImage.unmount());
     const hosttest::RunOutput run = hosttest::runDrivediag(patternRun(fsImage.image(), *sector));
-    EXPECT_EQ(run.exitCode, 0) << run.out << run.err;
+    EXPECT_EQ(run.exitCode, host::exitCodeFor(TestResult::PASS)) << run.out << run.err;
     EXPECT_EQ(run.err, "");
     EXPECT_EQ(readAt(fsImage.image(), offset, kTestedSectors * kSectorBytes),
               Bytes(kTestedSectors * kSectorBytes, 0))
@@ -210,7 +167,7 @@ TEST_F(WriteRefusalLoopTest, ReadOnlyLoopDeviceIsRefusedBeforeAnyWrite) {
     LoopImage readOnly("--read-only", false);
     if (readOnly.loop().empty()) GTEST_SKIP() << "no loop device could be attached";
     const Bytes before = readAt(readOnly.image(), 0, kImageBytes);
-    const unsigned long long writesBefore = writesDoneBy(readOnly.loop());
+    const unsigned long long writesBefore = readOnly.writesDone();
     const struct {
         Args args;
     } cases[] = {
@@ -222,7 +179,7 @@ TEST_F(WriteRefusalLoopTest, ReadOnlyLoopDeviceIsRefusedBeforeAnyWrite) {
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.args));
         const hosttest::RunOutput run = hosttest::runDrivediag(c.args);
-        EXPECT_EQ(run.exitCode, kReadOnlyExit) << run.out << run.err;
+        EXPECT_EQ(run.exitCode, host::kExitReadOnly) << run.out << run.err;
         EXPECT_NE(
             run.err.find("drivediag: " + readOnly.loop() + " is read-only (write-protected); the " +
                          c.args[1] + " test writes to it and was not started"),
@@ -230,13 +187,13 @@ TEST_F(WriteRefusalLoopTest, ReadOnlyLoopDeviceIsRefusedBeforeAnyWrite) {
             << run.err;
         EXPECT_EQ(run.out, "") << "the test must not start";
     }
-    EXPECT_EQ(writesDoneBy(readOnly.loop()), writesBefore);
+    EXPECT_EQ(readOnly.writesDone(), writesBefore);
     EXPECT_EQ(readAt(readOnly.image(), 0, kImageBytes), before);
 
     // Reading tests still run on it.
     const hosttest::RunOutput scan = hosttest::runDrivediag(
         {"run", "linear-seek", "--device", readOnly.loop(), "--set", "NumberOfSeeks=50"});
-    EXPECT_EQ(scan.exitCode, 0) << scan.out << scan.err;
+    EXPECT_EQ(scan.exitCode, host::exitCodeFor(TestResult::PASS)) << scan.out << scan.err;
 }
 
 }  // namespace

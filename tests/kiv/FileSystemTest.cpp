@@ -4,10 +4,10 @@
 #include <fstream>
 #include <string>
 
-#include "TempFile.h"
 #include "kiv/FileSystem.h"
 #include "kiv/Stream.h"
 #include "kiv/System.h"
+#include "support/TempFile.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ using kiv::String;
 String tempDirectory() { return String(std::filesystem::temp_directory_path().wstring()); }
 
 TEST(FileSystemTest, QuestionsAboutFilesDirectoriesAndMissingPaths) {
-    const kivtest::TempFile file("fs", std::string(4097, 'x'));
+    const testsupport::TempFile file("fs", std::string(4097, 'x'));
     const struct {
         String path;
         bool exists;
@@ -25,9 +25,9 @@ TEST(FileSystemTest, QuestionsAboutFilesDirectoriesAndMissingPaths) {
         bool hasSize;
         uint64_t size;
     } cases[] = {
-        {file.path(), true, false, true, 4097},
+        {kiv::String(file.widePath()), true, false, true, 4097},
         {tempDirectory(), true, true, false, 0},
-        {file.path() + L".missing", false, false, false, 0},
+        {kiv::String(file.widePath()) + L".missing", false, false, false, 0},
         {L"", false, false, false, 0},
     };
     for (const auto& c : cases) {
@@ -38,9 +38,9 @@ TEST(FileSystemTest, QuestionsAboutFilesDirectoriesAndMissingPaths) {
         EXPECT_EQ(FileSystem::getFileSize(c.path, size), c.hasSize) << c.path.toUtf8();
         EXPECT_EQ(size, c.hasSize ? c.size : 77u) << c.path.toUtf8();
     }
-    const kivtest::TempFile empty("fsempty", "");
+    const testsupport::TempFile empty("fsempty", "");
     uint64_t size = 77;
-    EXPECT_TRUE(FileSystem::getFileSize(empty.path(), size));
+    EXPECT_TRUE(FileSystem::getFileSize(kiv::String(empty.widePath()), size));
     EXPECT_EQ(size, 0u);
 }
 
@@ -64,10 +64,10 @@ TEST(FileSystemTest, JoinPathAddsOneSeparatorAtMost) {
 TEST(FileSystemTest, StreamReadsInChunksUntilTheEnd) {
     std::string bytes;
     for (int i = 0; i < 10000; ++i) bytes += static_cast<char>(i % 251);
-    const kivtest::TempFile file("stream", bytes);
+    const testsupport::TempFile file("stream", bytes);
 
     kiv::IFStream stream;
-    ASSERT_TRUE(stream.openFile(file.path()));
+    ASSERT_TRUE(stream.openFile(kiv::String(file.widePath())));
     EXPECT_TRUE(stream.isOpen());
     std::string readBack;
     char chunk[4096];
@@ -95,10 +95,10 @@ TEST(FileSystemTest, StreamRefusesMissingFilesAndDirectories) {
     EXPECT_FALSE(stream.isOpen());
 
     // Opening again closes the file opened before.
-    const kivtest::TempFile first("first", "1");
-    const kivtest::TempFile second("second", "22");
-    ASSERT_TRUE(stream.openFile(first.path()));
-    ASSERT_TRUE(stream.openFile(second.path()));
+    const testsupport::TempFile first("first", "1");
+    const testsupport::TempFile second("second", "22");
+    ASSERT_TRUE(stream.openFile(kiv::String(first.widePath())));
+    ASSERT_TRUE(stream.openFile(kiv::String(second.widePath())));
     char chunk[8];
     EXPECT_EQ(stream.read(chunk, sizeof chunk), 2u);
 }

@@ -3,10 +3,10 @@
 #include <memory>
 #include <thread>
 
-#include "TempFile.h"
 #include "kiv/Exception.h"
 #include "kiv/Log.h"
-#include "os/VirtualClock.h"
+#include "support/ScopedVirtualClock.h"
+#include "support/TempFile.h"
 
 namespace {
 
@@ -74,13 +74,13 @@ TEST_F(LogTest, LoggersAreOnePerNameAndStoredInTheSlot) {
 }
 
 TEST_F(LogTest, RecordsCarryLoggerPriorityMessageAndVirtualTime) {
-    os::VirtualClock clock(1700000000123);
-    os::installClock(&clock);
-    kiv::Logger* logger = LogFactory::createLogger(L"libDrive.ReadWriteTest", nullptr);
-    logger->log(5, L"1567 ReadWriteTest::runTest() DONE!!");
-    clock.advance(2500);
-    logger->log(4, L"second");
-    os::installClock(nullptr);
+    {
+        testsupport::ScopedVirtualClock clock(1700000000123);
+        kiv::Logger* logger = LogFactory::createLogger(L"libDrive.ReadWriteTest", nullptr);
+        logger->log(5, L"1567 ReadWriteTest::runTest() DONE!!");
+        clock.advance(2500);
+        logger->log(4, L"second");
+    }
 
     const auto records = memory_.records();
     ASSERT_EQ(records.size(), 2u);
@@ -135,15 +135,14 @@ TEST_F(LogTest, AssertionFailureGoesToTheDefectLoggerAtNotice) {
 }
 
 TEST_F(LogTest, FileSinkAppendsOneLinePerRecord) {
-    const kivtest::TempFile file("log", "earlier\n");
-    os::VirtualClock clock(86400000ull * 365 + 3723004);  // 1971-01-01 01:02:03.004 UTC
-    os::installClock(&clock);
-    LogFactory::addSink(std::make_unique<kiv::FileSink>(file.path()));
+    const testsupport::TempFile file("log", "earlier\n");
+    const testsupport::ScopedVirtualClock clock(86400000ull * 365 +
+                                                3723004);  // 1971-01-01 01:02:03.004 UTC
+    LogFactory::addSink(std::make_unique<kiv::FileSink>(kiv::String(file.widePath())));
     kiv::Logger* logger = LogFactory::createLogger(L"libDrive.Range", nullptr);
     logger->log(4, L"193  EndRange is less than the start range");
     logger->log(4, L"1154 Disc ID has an invalid regex pattern\n");
     LogFactory::removeAllSinks();  // closes the file
-    os::installClock(nullptr);
     EXPECT_EQ(
         file.contents(),
         "earlier\n"

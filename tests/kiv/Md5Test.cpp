@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "TempFile.h"
 #include "kiv/KIVMD5.h"
+#include "support/TempFile.h"
 
 namespace {
 
@@ -34,9 +34,10 @@ TEST(Md5Test, DigestsOfTextMatchTheReferenceVectors) {
 
 TEST(Md5Test, DigestsOfFilesMatchTheReferenceVectors) {
     for (const auto& vector : kRfc1321) {
-        const kivtest::TempFile file("md5", vector.message);
+        const testsupport::TempFile file("md5", vector.message);
         kiv::CString digest;
-        ASSERT_TRUE(KIVMD5::calculateMD5HashFile(file.path(), digest)) << vector.message;
+        ASSERT_TRUE(KIVMD5::calculateMD5HashFile(kiv::String(file.widePath()), digest))
+            << vector.message;
         EXPECT_EQ(digest.str(), vector.digest) << vector.message;
     }
 }
@@ -44,13 +45,13 @@ TEST(Md5Test, DigestsOfFilesMatchTheReferenceVectors) {
 TEST(Md5Test, FileDigestCoversEveryByteAcrossChunks) {
     // Larger than one read chunk and holding zero bytes, which must all be hashed: one
     // million "a" is a well-known vector, the zeros make it differ.
-    const kivtest::TempFile million("md5big", std::string(1000000, 'a'));
+    const testsupport::TempFile million("md5big", std::string(1000000, 'a'));
     kiv::CString digest;
-    ASSERT_TRUE(KIVMD5::calculateMD5HashFile(million.path(), digest));
+    ASSERT_TRUE(KIVMD5::calculateMD5HashFile(kiv::String(million.widePath()), digest));
     EXPECT_EQ(digest.str(), "7707d6ae4e027c70eea2a935c2296f21");
 
-    const kivtest::TempFile withZero("md5zero", std::string("abc\0def", 7));
-    ASSERT_TRUE(KIVMD5::calculateMD5HashFile(withZero.path(), digest));
+    const testsupport::TempFile withZero("md5zero", std::string("abc\0def", 7));
+    ASSERT_TRUE(KIVMD5::calculateMD5HashFile(kiv::String(withZero.widePath()), digest));
     EXPECT_NE(digest.str(), "900150983cd24fb0d6963f7d28e17f72");
     EXPECT_EQ(digest.length(), 32u);
 }

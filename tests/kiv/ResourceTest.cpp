@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "TempFile.h"
 #include "kiv/Resource.h"
+#include "support/TempFile.h"
 
 namespace {
 
@@ -96,10 +96,10 @@ TEST_F(ResourceTest, GetSettingLeavesTheOutputAloneWhenAbsent) {
 }
 
 TEST_F(ResourceTest, SettingsFileIsLoadedAndAMissingOneReported) {
-    const kivtest::TempFile file(
+    const testsupport::TempFile file(
         "settings", "# host settings\r\nlibDrive.ReRunTestOnFailureCount.value = 2\r\n");
     String error;
-    ASSERT_TRUE(Resource::loadSettingsFile(file.path(), &error)) << error.toUtf8();
+    ASSERT_TRUE(Resource::loadSettingsFile(kiv::String(file.widePath()), &error)) << error.toUtf8();
     EXPECT_EQ(lookUp(kLibrary, kRerunKey).str(), L"2");
 
     EXPECT_FALSE(Resource::loadSettingsFile(L"missing.settings", &error));

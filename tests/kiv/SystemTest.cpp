@@ -1,13 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "kiv/System.h"
-#include "os/VirtualClock.h"
+#include "support/ScopedVirtualClock.h"
 
 namespace {
 
 TEST(SystemTest, TimeFollowsTheInstalledVirtualClock) {
-    os::VirtualClock clock(1600000000999);
-    os::installClock(&clock);
+    testsupport::ScopedVirtualClock clock(1600000000999);
     const struct {
         uint32_t sleepMs;
         uint64_t seconds;
@@ -27,7 +26,6 @@ TEST(SystemTest, TimeFollowsTheInstalledVirtualClock) {
                   step.seconds * 1000 + step.milliseconds);
     }
     EXPECT_EQ(clock.elapsedMilliseconds(), 76000u);
-    os::installClock(nullptr);
 }
 
 }  // namespace

@@ -13,11 +13,10 @@
 
 #include "kiv/Exception.h"
 #include "kiv/Log.h"
-#include "os/Clock.h"
-#include "os/VirtualClock.h"
 #include "quel5/Registry.h"
 #include "sim/SimulatedDrive.h"
 #include "support/RecordingHost.h"
+#include "support/ScopedVirtualClock.h"
 
 namespace drivetests {
 
@@ -33,15 +32,13 @@ inline void setParameter(const char* key, const char* text) {
 // takes every priority, and undoes all three afterwards.
 class DriveTestFixture : public ::testing::Test {
 protected:
-    DriveTestFixture() : clock_(1'700'000'000'000), installedHost_(host) {
-        os::installClock(&clock_);
+    DriveTestFixture() : installedHost_(host) {
         kiv::LogFactory::setPriority(1);
         kiv::LogFactory::addSink(std::make_unique<kiv::MemorySink>(log_));
     }
     ~DriveTestFixture() override {
         kiv::LogFactory::removeAllSinks();
         kiv::LogFactory::setPriority(4);
-        os::installClock(nullptr);
     }
 
     static void set(const char* key, const char* text) { setParameter(key, text); }
@@ -69,7 +66,7 @@ protected:
     testsupport::RecordingHost host;
 
 private:
-    os::VirtualClock clock_;
+    testsupport::ScopedVirtualClock clock_;
     testsupport::ScopedHost installedHost_;
     kiv::MemorySink log_;
 };

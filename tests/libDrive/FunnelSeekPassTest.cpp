@@ -12,8 +12,13 @@
 
 #include "ReadOnlyTestSupport.h"
 #include "libDrive/FunnelSeekTest.h"
+#include "support/ErrorCases.h"
 
 namespace {
+
+using testsupport::ErrorCase;
+using testsupport::ErrorOutcome;
+using testsupport::runErrorCases;
 
 using drivetests::CallRecordingDrive;
 using drivetests::DirectRange;
@@ -139,16 +144,6 @@ TEST_F(FunnelSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
     }
 }
 
-struct ErrorCase {
-    const char* name;
-    Parameters limits;
-    std::vector<uint64_t> failing;
-    TestResult result;
-    std::size_t reads;
-    std::vector<std::string> events;
-    const char* percent;  // "percent" of TEST_PASSED_WITH_ERRORS; "" when not raised
-};
-
 TEST_F(FunnelSeek, BothReadsOfAPairCountAgainstThePairs) {
     // Ten sectors, jump 1: ten pairs, twenty reads; sector 9 is read second and second to last.
     // clang-format off
@@ -160,20 +155,14 @@ TEST_F(FunnelSeek, BothReadsOfAPairCountAgainstThePairs) {
         {"more errors than pairs", {{"MaxErrors", "0"}, {"MinErrorPercentage", "50"}}, funnel(0, 10, 1), TestResult::PASS, 20, {"TEST_PASSED_WITH_ERRORS"}, "200.00"},
     };
     // clang-format on
-    for (const ErrorCase& c : cases) {
-        SCOPED_TRACE(c.name);
+    runErrorCases(cases, host, [&](const ErrorCase& c) {
         reset({{"EndRange", "10"}, {"NumberOfSeeks", "10"}});
-        for (const auto& [key, text] : c.limits) set(key, text);
+        for (const auto& [key, text] : c.parameters) set(key, text);
         CallRecordingDrive drive(device, driveOf(100));
         for (const uint64_t sector : c.failing)
             drive.injectFault(sector, sim::SectorFault::ReadFails);
-
-        EXPECT_EQ(run(drive), c.result);
-
-        EXPECT_EQ(drive.operations().size(), c.reads);
-        EXPECT_EQ(host.eventKeys(), c.events);
-        EXPECT_EQ(passedWithErrorsPercent(), c.percent);
-    }
+        return ErrorOutcome{run(drive), drive.operations().size()};
+    });
 }
 
 TEST_F(FunnelSeek, ReportsBothSectorsAndTurnsOnceAtHalfWay) {

@@ -10,8 +10,13 @@
 
 #include "DriveTestSupport.h"
 #include "libDrive/LinearSeekTest.h"
+#include "support/ErrorCases.h"
 
 namespace {
+
+using testsupport::ErrorCase;
+using testsupport::ErrorOutcome;
+using testsupport::runErrorCases;
 
 using drivetests::CallRecordingDrive;
 using drivetests::driveOf;
@@ -173,48 +178,35 @@ TEST_F(LinearSeek, ADriveThatThrowsStillGetsItsTrayBack) {
     EXPECT_EQ(drive.calls.back(), "unlock");
 }
 
-struct ErrorRuleCase {
-    const char* name;
-    Parameters limits;
-    std::vector<uint64_t> failing;
-    TestResult result;
-    uint64_t reads;
-    std::vector<std::string> events;
-};
-
 TEST_F(LinearSeek, ErrorRulesInPlace) {
     // 100 reads of one sector each, sectors 0 to 99.
     const std::vector<uint64_t> tenNotLast = {3, 9, 15, 21, 30, 44, 50, 61, 77, 88};
     const std::vector<uint64_t> tenWithLast = {3, 9, 15, 21, 30, 44, 50, 61, 77, 99};
     // clang-format off
-    const ErrorRuleCase cases[] = {
-        {"no minimum: one error fails", {{"MaxErrors", "10"}}, {50}, TestResult::FAIL, 100, {}},
-        {"above the threshold, last read good", {{"MaxErrors", "100"}, {"MinErrorPercentage", "5"}}, tenNotLast, TestResult::PASS, 100, {}},
-        {"above the threshold, last read failed", {{"MaxErrors", "100"}, {"MinErrorPercentage", "5"}}, tenWithLast, TestResult::FAIL, 100, {}},
-        {"under the threshold", {{"MaxErrors", "100"}, {"MinErrorPercentage", "5"}}, {3, 40, 99}, TestResult::PASS, 100, {"TEST_PASSED_WITH_ERRORS"}},
-        {"stop at MaxErrors without a minimum", {{"MaxErrors", "3"}}, {10, 20, 30, 40, 50}, TestResult::FAIL, 31, {"MAX_ERRORS_EXCEEDED"}},
-        {"stop once above the threshold", {{"MaxErrors", "3"}, {"MinErrorPercentage", "5"}}, stepsFrom(0, 1, 10), TestResult::FAIL, 6, {"TEST_FAILED_THRESHOLD"}},
-        {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, stepsFrom(0, 1, 20), TestResult::FAIL, 100, {}},
-        {"MaxErrors 0 with a minimum passes", {{"MaxErrors", "0"}, {"MinErrorPercentage", "5"}}, stepsFrom(0, 2, 50), TestResult::PASS, 100, {"TEST_PASSED_WITH_ERRORS"}},
+    const ErrorCase cases[] = {
+        {"no minimum: one error fails", {{"MaxErrors", "10"}}, {50}, TestResult::FAIL, 100, {}, ""},
+        {"above the threshold, last read good", {{"MaxErrors", "100"}, {"MinErrorPercentage", "5"}}, tenNotLast, TestResult::PASS, 100, {}, ""},
+        {"above the threshold, last read failed", {{"MaxErrors", "100"}, {"MinErrorPercentage", "5"}}, tenWithLast, TestResult::FAIL, 100, {}, ""},
+        {"under the threshold", {{"MaxErrors", "100"}, {"MinErrorPercentage", "5"}}, {3, 40, 99}, TestResult::PASS, 100, {"TEST_PASSED_WITH_ERRORS"}, "3.00"},
+        {"stop at MaxErrors without a minimum", {{"MaxErrors", "3"}}, {10, 20, 30, 40, 50}, TestResult::FAIL, 31, {"MAX_ERRORS_EXCEEDED"}, ""},
+        {"stop once above the threshold", {{"MaxErrors", "3"}, {"MinErrorPercentage", "5"}}, stepsFrom(0, 1, 10), TestResult::FAIL, 6, {"TEST_FAILED_THRESHOLD"}, ""},
+        {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, stepsFrom(0, 1, 20), TestResult::FAIL, 100, {}, ""},
+        {"MaxErrors 0 with a minimum passes", {{"MaxErrors", "0"}, {"MinErrorPercentage", "5"}}, stepsFrom(0, 2, 50), TestResult::PASS, 100, {"TEST_PASSED_WITH_ERRORS"}, "50.00"},
     };
     // clang-format on
-    for (const ErrorRuleCase& c : cases) {
-        SCOPED_TRACE(c.name);
+    runErrorCases(cases, host, [&](const ErrorCase& c) {
         quel5::Registry::instance().clearAllParameters();
         host.clear();
         set("EndRange", "100");
         set("NumberOfSeeks", "100");
-        setAll(c.limits);
+        setAll(c.parameters);
         CallRecordingDrive drive(device, driveOf(1000));
         for (const uint64_t sector : c.failing)
             drive.injectFault(sector, sim::SectorFault::ReadFails);
-
-        EXPECT_EQ(run(drive), c.result);
-
-        EXPECT_EQ(drive.operations().size(), c.reads);
-        EXPECT_EQ(host.eventKeys(), c.events);
+        const TestResult result = run(drive);
         EXPECT_EQ(host.lastPercent(), std::optional<unsigned>(100));
-    }
+        return ErrorOutcome{result, drive.operations().size()};
+    });
 }
 
 TEST_F(LinearSeek, PassedWithErrorsCountsAgainstThePlannedReads) {

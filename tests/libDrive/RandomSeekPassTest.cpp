@@ -12,8 +12,13 @@
 
 #include "ReadOnlyTestSupport.h"
 #include "libDrive/RandomSeekTest.h"
+#include "support/ErrorCases.h"
 
 namespace {
+
+using testsupport::ErrorCase;
+using testsupport::ErrorOutcome;
+using testsupport::runErrorCases;
 
 using drivetests::CallRecordingDrive;
 using drivetests::DirectRange;
@@ -203,16 +208,6 @@ TEST_F(RandomSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
     }
 }
 
-struct ErrorCase {
-    const char* name;
-    Parameters limits;
-    std::vector<uint64_t> failing;
-    TestResult result;
-    std::size_t reads;
-    std::vector<std::string> events;
-    const char* percent;  // "percent" of TEST_PASSED_WITH_ERRORS; "" when not raised
-};
-
 TEST_F(RandomSeek, ErrorsAreCountedAgainstTheNumberOfSeeks) {
     // Ten seeks over [0, 1000]: the seeds of kSeeds decide which sectors they read.
     const std::vector<uint64_t> sectors = drawnSectors(0, 1000, 10);
@@ -227,21 +222,15 @@ TEST_F(RandomSeek, ErrorsAreCountedAgainstTheNumberOfSeeks) {
         {"stop once above the threshold", {{"MaxErrors", "2"}, {"MinErrorPercentage", "15"}}, all, TestResult::FAIL, 2, {"TEST_FAILED_THRESHOLD"}, ""},
     };
     // clang-format on
-    for (const ErrorCase& c : cases) {
-        SCOPED_TRACE(c.name);
+    runErrorCases(cases, host, [&](const ErrorCase& c) {
         reset({{"EndRange", "1000"}, {"NumberOfSeeks", "10"}});
-        for (const auto& [key, text] : c.limits) set(key, text);
+        for (const auto& [key, text] : c.parameters) set(key, text);
         SeedScript seeds(kSeeds);
         CallRecordingDrive drive(device, driveOf(5000));
         for (const uint64_t sector : c.failing)
             drive.injectFault(sector, sim::SectorFault::ReadFails);
-
-        EXPECT_EQ(run(drive), c.result);
-
-        EXPECT_EQ(drive.operations().size(), c.reads);
-        EXPECT_EQ(host.eventKeys(), c.events);
-        EXPECT_EQ(passedWithErrorsPercent(), c.percent);
-    }
+        return ErrorOutcome{run(drive), drive.operations().size()};
+    });
 }
 
 TEST_F(RandomSeek, ReportsTimedProgressAboutOnceASecond) {

@@ -103,11 +103,6 @@ protected:
         }
         return found;
     }
-    // The "percent" of the first "TEST_PASSED_WITH_ERRORS", or "" when there was none.
-    std::string passedWithErrorsPercent() const {
-        const auto warnings = host.eventsWithKey("TEST_PASSED_WITH_ERRORS");
-        return warnings.empty() ? "" : warnings[0].get(L"percent").toString().toUtf8();
-    }
 };
 
 // The seeds the random seek test's engines get, in order; installed for the life of the object.

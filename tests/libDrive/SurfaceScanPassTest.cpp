@@ -15,8 +15,13 @@
 #include "ReadOnlyTestSupport.h"
 #include "SurfaceScanStride.h"
 #include "libDrive/SurfaceScanTest.h"
+#include "support/ErrorCases.h"
 
 namespace {
+
+using testsupport::ErrorCase;
+using testsupport::ErrorOutcome;
+using testsupport::runErrorCases;
 
 using drivetests::CallRecordingDrive;
 using drivetests::DirectRange;
@@ -220,16 +225,6 @@ TEST_F(SurfaceScan, EveryWayOutOfAPassUnlocksTheTrayOnce) {
     }
 }
 
-struct ErrorCase {
-    const char* name;
-    Parameters parameters;
-    std::vector<uint64_t> failing;
-    TestResult result;
-    std::size_t reads;
-    std::vector<std::string> events;
-    const char* percent;  // "percent" of TEST_PASSED_WITH_ERRORS; "" when not raised
-};
-
 TEST_F(SurfaceScan, EachFailedBlockIsOneErrorAgainstThePlannedBlocks) {
     // Blocks of 10 sectors over [0, 100): ten blocks.
     // clang-format off
@@ -242,20 +237,14 @@ TEST_F(SurfaceScan, EachFailedBlockIsOneErrorAgainstThePlannedBlocks) {
         {"no block planned in full", {{"SectorPercentToTest", "5"}, {"MaxErrors", "0"}, {"MinErrorPercentage", "50"}}, {0}, TestResult::PASS, 1, {"TEST_PASSED_WITH_ERRORS"}, "100.00"},
     };
     // clang-format on
-    for (const ErrorCase& c : cases) {
-        SCOPED_TRACE(c.name);
+    runErrorCases(cases, host, [&](const ErrorCase& c) {
         reset({{"EndRange", "100"}, {"SectorPercentToTest", "100"}});
         for (const auto& [key, text] : c.parameters) set(key, text);
         CallRecordingDrive drive(device, scanDrive(1000, 10));
         for (const uint64_t sector : c.failing)
             drive.injectFault(sector, sim::SectorFault::ReadFails);
-
-        EXPECT_EQ(run(drive), c.result);
-
-        EXPECT_EQ(drive.operations().size(), c.reads);
-        EXPECT_EQ(host.eventKeys(), c.events);
-        EXPECT_EQ(passedWithErrorsPercent(), c.percent);
-    }
+        return ErrorOutcome{run(drive), drive.operations().size()};
+    });
 }
 
 TEST_F(SurfaceScan, ReportsAboutOnceASecondAndPollsStopOnlyThen) {

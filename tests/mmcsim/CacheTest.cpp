@@ -78,8 +78,7 @@ TEST_F(CacheTest, AForcedReadFlushesOnlyTheSectorsItCovers) {
 }
 
 TEST(WriterCache, AFullCachePushesItsOldestSectorsToTheMedium) {
-    os::VirtualClock clock(0);
-    os::installClock(&clock);
+    testsupport::ScopedVirtualClock clock(0);
     sim::mmc::WriterConfig config;
     config.cacheSectors = 4;
     auto writer = sim::mmc::registerEmulatedWriter("\\\\.\\SimCacheSmall", config);
@@ -99,7 +98,6 @@ TEST(WriterCache, AFullCachePushesItsOldestSectorsToTheMedium) {
     EXPECT_EQ(writer->mediumSector(1), Bytes(2048, 2));
     EXPECT_EQ(writer->mediumSector(2), Bytes(2048, 0));
     os::unregisterEmulatedDevice("\\\\.\\SimCacheSmall");
-    os::installClock(nullptr);
 }
 
 TEST_F(CacheTest, EjectingPutsCachedSectorsOnTheDisc) {

@@ -5,7 +5,6 @@
 namespace mmctest {
 
 WriterTest::WriterTest() {
-    os::installClock(&clock);
     sim::mmc::WriterConfig config;
     config.spinUpMilliseconds = kSpinUpMs;
     writer = sim::mmc::registerEmulatedWriter(kDevice, config);
@@ -14,7 +13,6 @@ WriterTest::WriterTest() {
 WriterTest::~WriterTest() {
     os::unregisterEmulatedDevice(kDevice);
     writer.reset();
-    os::installClock(nullptr);
 }
 
 void WriterTest::loadReady(const DiscModel& disc) {

@@ -7,9 +7,9 @@
 #include <memory>
 #include <vector>
 
-#include "os/VirtualClock.h"
 #include "scsi/Scsi.h"
 #include "sim/mmc/EmulatedWriter.h"
+#include "support/ScopedVirtualClock.h"
 
 namespace mmctest {
 
@@ -49,7 +49,7 @@ public:
         return Bytes(size_t{count} * sim::mmc::kSectorBytes, fill);
     }
 
-    os::VirtualClock clock{1'700'000'000'000ull};
+    testsupport::ScopedVirtualClock clock{1'700'000'000'000ull};
     std::shared_ptr<sim::mmc::EmulatedWriter> writer;
     _SCSI_PATH path{};
 };

@@ -6,11 +6,11 @@
 #include <cwctype>
 #include <vector>
 
-#include "os/TempFile.h"
+#include "support/TempFile.h"
 
 namespace {
 
-using testing_support::TempFile;
+using testsupport::TempImage;
 
 TEST(Device, RegularFilesAnswerWith512ByteSectorsAndTheirSize) {
     struct Case {
@@ -22,7 +22,7 @@ TEST(Device, RegularFilesAnswerWith512ByteSectorsAndTheirSize) {
         {0, 0}, {512, 0}, {kCylinder - 512, 0}, {kCylinder, 1}, {3 * kCylinder + 100, 3},
     };
     for (const Case& c : cases) {
-        TempFile file(c.size);
+        TempImage file("device", c.size);
         os::OpenResult opened = os::openDevice(file.widePath(), os::kRead);
         ASSERT_TRUE(opened.error.ok()) << opened.error.message;
         const os::GeometryResult answer = os::queryDiskGeometry(opened.handle);
@@ -36,7 +36,7 @@ TEST(Device, RegularFilesAnswerWith512ByteSectorsAndTheirSize) {
 }
 
 TEST(Device, ReadsAndWritesAtOffsetsUpToTheEnd) {
-    TempFile file(1000);
+    TempImage file("device", 1000);
     os::OpenResult opened = os::openDevice(file.widePath(), os::kReadWrite);
     ASSERT_TRUE(opened.error.ok()) << opened.error.message;
     const os::NativeHandle fd = opened.handle.native();
@@ -80,11 +80,11 @@ TEST(Device, OpenFailuresSayWhy) {
         uint32_t access;
         uint32_t code;
     };
-    TempFile file(512);
+    TempImage file("device", 512);
     const Case cases[] = {
-        {file.path() + ".missing", os::kRead, os::errorCodeNotFound()},
-        {file.path(), 0, os::errorCodeInvalid()},
-        {file.path(), os::kDirect | os::kExclusive, os::errorCodeInvalid()},
+        {file.text() + ".missing", os::kRead, os::errorCodeNotFound()},
+        {file.text(), 0, os::errorCodeInvalid()},
+        {file.text(), os::kDirect | os::kExclusive, os::errorCodeInvalid()},
     };
     for (const Case& c : cases) {
         os::OpenResult opened = os::openDevice(c.path, c.access);
@@ -107,7 +107,7 @@ TEST(Device, ExclusiveOpenOfAnImageFileShutsOutOtherExclusiveOpens) {
         {os::kReadWrite | os::kExclusive, os::kRead | os::kExclusive, false},
     };
     for (const Case& c : cases) {
-        TempFile file(4096);
+        TempImage file("device", 4096);
         os::OpenResult first = os::openDevice(file.widePath(), c.first);
         ASSERT_TRUE(first.error.ok()) << first.error.message;
         os::OpenResult second = os::openDevice(file.widePath(), c.second);

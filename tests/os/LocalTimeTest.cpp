@@ -4,7 +4,7 @@
 #include <ctime>
 
 #include "os/Clock.h"
-#include "os/VirtualClock.h"
+#include "support/ScopedVirtualClock.h"
 
 namespace {
 
@@ -15,8 +15,7 @@ constexpr uint64_t kLeapDayEnd = 1709251199999ULL;
 
 TEST(LocalTime, KeepsSecondsAndMillisecondsOfTheClocksInstant) {
     // The zone of the Windows side cannot be chosen here; whole-minute zones keep these fields.
-    os::VirtualClock clock(kLeapDayEnd);
-    os::installClock(&clock);
+    testsupport::ScopedVirtualClock clock(kLeapDayEnd);
     os::LocalTime t = os::localTime();
     EXPECT_EQ(t.second, 59);
     EXPECT_EQ(t.milliseconds, 999);
@@ -24,7 +23,6 @@ TEST(LocalTime, KeepsSecondsAndMillisecondsOfTheClocksInstant) {
     t = os::localTime();
     EXPECT_EQ(t.second, 0);
     EXPECT_EQ(t.milliseconds, 0);
-    os::installClock(nullptr);
 }
 
 #else
@@ -62,12 +60,10 @@ TEST(LocalTime, FollowsTheClockInTheProcesssZone) {
     for (const Case& c : cases) {
         setenv("TZ", c.zone, 1);
         tzset();
-        os::VirtualClock clock(kLeapDayEnd);
-        os::installClock(&clock);
+        testsupport::ScopedVirtualClock clock(kLeapDayEnd);
         clock.advance(c.advance);
         expectLocal(os::localTime(), c.local,
                     std::string(c.zone) + " +" + std::to_string(c.advance));
-        os::installClock(nullptr);
     }
     if (saved != nullptr) {
         setenv("TZ", previous.c_str(), 1);

@@ -6,8 +6,8 @@
 #include <stdexcept>
 
 #include "os/Clock.h"
-#include "os/VirtualClock.h"
 #include "os/Waitable.h"
+#include "support/ScopedVirtualClock.h"
 
 namespace {
 
@@ -52,8 +52,7 @@ TEST(Thread, JoinRethrowsWhatEscapedTheBodyOnce) {
 }
 
 TEST(Thread, FailingBodyStillLeavesTheVirtualClock) {
-    os::VirtualClock clock(0);
-    os::installClock(&clock);
+    testsupport::ScopedVirtualClock clock(0);
     {
         os::Thread worker([] { throw std::logic_error("bad"); });
         EXPECT_THROW(worker.join(), std::logic_error);
@@ -63,7 +62,6 @@ TEST(Thread, FailingBodyStillLeavesTheVirtualClock) {
     }                           // the destructor joins and swallows
     os::sleepMilliseconds(10);  // would never return if a worker were still counted
     EXPECT_EQ(clock.elapsedMilliseconds(), 10u);
-    os::installClock(nullptr);
 }
 
 TEST(Event, SetResetAndWaitWithoutAClockInstalled) {

@@ -6,9 +6,8 @@
 #include <memory>
 #include <vector>
 
-#include "os/Clock.h"
-#include "os/VirtualClock.h"
 #include "scsi/Transport.h"
+#include "support/ScopedVirtualClock.h"
 #include "support/RecordingTarget.h"
 
 namespace {
@@ -38,10 +37,7 @@ private:
 
 class TransportGateTest : public ::testing::Test {
 protected:
-    void SetUp() override { os::installClock(&clock_); }
-    void TearDown() override { os::installClock(nullptr); }
-
-    os::VirtualClock clock_{1'700'000'000'000};
+    testsupport::ScopedVirtualClock clock_{1'700'000'000'000};
 };
 
 ScsiCommand readCommand(uint8_t cdbLength, void* buffer, uint32_t bufferLength) {

@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "os/VirtualClock.h"
 #include "scsi/Scsi.h"
 #include "scsi/TracingTransport.h"
+#include "support/ScopedVirtualClock.h"
 #include "support/RecordingTarget.h"
 
 namespace {
@@ -20,10 +20,7 @@ class PlainEmulatedDevice : public os::EmulatedDevice {};
 
 class TransportTest : public ::testing::Test {
 protected:
-    void SetUp() override { os::installClock(&clock_); }
-    void TearDown() override { os::installClock(nullptr); }
-
-    os::VirtualClock clock_{1'700'000'000'000};
+    testsupport::ScopedVirtualClock clock_{1'700'000'000'000};
 };
 
 TEST_F(TransportTest, DeviceNamesThatReachNoTarget) {

@@ -12,11 +12,10 @@
 #include <vector>
 
 #include "kiv/Exception.h"
-#include "os/Clock.h"
-#include "os/VirtualClock.h"
 #include "sim/SectorPattern.h"
 #include "sim/SimulatedDrive.h"
 #include "support/RecordingHost.h"
+#include "support/ScopedVirtualClock.h"
 
 namespace {
 
@@ -306,8 +305,7 @@ TEST(SimulatedDrive, ChargesItsCostToTheInstalledClock) {
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        os::VirtualClock clock(1'700'000'000'000);
-        os::installClock(&clock);
+        testsupport::ScopedVirtualClock clock;
         auto config = sized(100);
         config.cost = row.cost;
         Fixture f(config);
@@ -321,7 +319,6 @@ TEST(SimulatedDrive, ChargesItsCostToTheInstalledClock) {
         }
         EXPECT_EQ(clock.elapsedMilliseconds(), row.expectedMs);
         EXPECT_EQ(f.drive.chargedMilliseconds(), row.expectedMs);
-        os::installClock(nullptr);
     }
 }
 

@@ -2,24 +2,22 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string>
 
 #include "os/EmulatedDevice.h"
-#include "os/TempFile.h"
 #include "os/Utf8.h"
+#include "support/LoopDevice.h"
+#include "support/TempFile.h"
 
 namespace {
 
 using libStorage::DeviceLockingManager;
-using testing_support::TempFile;
+using testsupport::TempImage;
 
 TEST(DeviceLockingManager, SecondManagerOfALockedImageFileFails) {
-    TempFile image(1 << 20);
+    TempImage image("lock", 1 << 20);
     DeviceLockingManager first(image.widePath());
     DeviceLockingManager second(image.widePath());
 
@@ -38,7 +36,7 @@ TEST(DeviceLockingManager, SecondManagerOfALockedImageFileFails) {
 }
 
 TEST(DeviceLockingManager, DestroyingAManagerReleasesItsLock) {
-    TempFile image(4096);
+    TempImage image("lock", 4096);
     {
         DeviceLockingManager holder(image.widePath());
         ASSERT_TRUE(holder.lockVolumes());
@@ -48,7 +46,7 @@ TEST(DeviceLockingManager, DestroyingAManagerReleasesItsLock) {
 }
 
 TEST(DeviceLockingManager, UnusableLocatorsFailWithAReason) {
-    TempFile image(4096);
+    TempImage image("lock", 4096);
     struct Case {
         std::wstring locator;
         std::wstring mentioned;
@@ -90,13 +88,8 @@ TEST(DeviceLockingManager, DirectoriesAreNeitherDisksNorImages) {
 
 TEST(DeviceLockingManager, RootFilesystemDiskIsRefused) {
     // The device the root filesystem lives on, when it has a node we can name.
-    FILE* pipe = popen("findmnt -n -o SOURCE / 2>/dev/null", "r");
-    char source[256] = {};
-    const bool read = pipe != nullptr && std::fgets(source, sizeof source, pipe) != nullptr;
-    if (pipe != nullptr) {
-        pclose(pipe);
-    }
-    std::string device = read ? std::string(source, std::strcspn(source, "\n[")) : "";
+    std::string device = testsupport::firstLineOf("findmnt -n -o SOURCE /");
+    device = device.substr(0, device.find('['));  // a btrfs subvolume follows in brackets
     if (device.rfind("/dev/", 0) != 0 || !std::filesystem::exists(device)) {
         GTEST_SKIP() << "the root filesystem has no block device here";
     }
@@ -105,63 +98,24 @@ TEST(DeviceLockingManager, RootFilesystemDiskIsRefused) {
     EXPECT_FALSE(manager.lastFailure().empty());
 }
 
-// A loop device over an image file, detached again at the end. Needs root and loop support.
-class LoopDevice {
-public:
-    explicit LoopDevice(const std::string& image) {
-        if (!run("losetup -f --show " + image + " 2>/dev/null", device_)) {
-            device_.clear();
-        }
-    }
-    ~LoopDevice() {
-        if (!device_.empty()) {
-            std::system(("losetup -d " + device_ + " 2>/dev/null").c_str());
-        }
-    }
-    const std::string& device() const { return device_; }
-
-    static bool run(const std::string& command, std::string& firstLine) {
-        FILE* pipe = popen(command.c_str(), "r");
-        if (pipe == nullptr) {
-            return false;
-        }
-        char line[256] = {};
-        const bool got = std::fgets(line, sizeof line, pipe) != nullptr;
-        const int status = pclose(pipe);
-        firstLine = std::string(line, std::strcspn(line, "\n"));
-        return got && status == 0;
-    }
-
-private:
-    std::string device_;
-};
-
 TEST(DeviceLockingManager, LoopDeviceIsRefusedWhileMountedAndLockedOtherwise) {
-    TempFile image(16 << 20, "libdrive-loop");
-    LoopDevice loop(image.path());
-    if (loop.device().empty()) {
-        GTEST_SKIP() << "no loop device (needs root and loop support)";
-    }
-    const std::wstring locator = os::fromUtf8(loop.device());
-    ASSERT_EQ(std::system(("mkfs.ext2 -q " + loop.device() + " 2>/dev/null").c_str()), 0);
-
-    const std::filesystem::path mountPoint =
-        std::filesystem::temp_directory_path() / ("libdrive-mnt-" + loop.device().substr(5));
-    std::filesystem::create_directories(mountPoint);
-    const std::string mountCommand = "mount " + loop.device() + " " + mountPoint.string();
-    if (std::system((mountCommand + " 2>/dev/null").c_str()) != 0) {
-        std::filesystem::remove(mountPoint);
-        GTEST_SKIP() << "mounting is not allowed here";
-    }
+    if (const std::string why = testsupport::loopDevicesUnavailable(); !why.empty())
+        GTEST_SKIP() << why;
+    const testsupport::TempImage image("loop", 16 << 20);
+    const testsupport::LoopDevice loop(image.text());
+    ASSERT_FALSE(loop.path().empty());
+    const std::wstring locator = os::fromUtf8(loop.path());
+    ASSERT_TRUE(testsupport::succeeds("mkfs.ext2 -q " + loop.path()));
+    testsupport::MountedFilesystem mounted(loop.path());
+    if (!mounted.mounted()) GTEST_SKIP() << "mounting is not allowed here";
     {
         DeviceLockingManager manager(locator);
         EXPECT_FALSE(manager.lockVolumes());
-        EXPECT_NE(manager.lastFailure().find(L"mounted on " + mountPoint.wstring()),
+        EXPECT_NE(manager.lastFailure().find(L"mounted on " + os::fromUtf8(mounted.directory())),
                   std::wstring::npos)
             << os::toUtf8(manager.lastFailure());
     }
-    ASSERT_EQ(std::system(("umount " + mountPoint.string()).c_str()), 0);
-    std::filesystem::remove(mountPoint);
+    ASSERT_TRUE(mounted.unmount());
 
     DeviceLockingManager manager(locator);
     ASSERT_TRUE(manager.lockVolumes()) << os::toUtf8(manager.lastFailure());

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "os/EmulatedDevice.h"
-#include "os/TempFile.h"
+#include "support/TempFile.h"
 
 namespace {
 
@@ -81,9 +81,9 @@ TEST_F(ExclusiveAccessTest, SecondHolderIsRefusedAndACopyHoldsNothing) {
 
 #if !defined(_WIN32)
 TEST(ExclusiveAccessImageFile, TwoHandlesOfOneFileCannotBothHoldIt) {
-    testing_support::TempFile image(4096);
-    os::OpenResult a = os::openDevice(image.path(), os::kReadWrite);
-    os::OpenResult b = os::openDevice(image.path(), os::kRead);
+    testsupport::TempImage image("exclusive", 4096);
+    os::OpenResult a = os::openDevice(image.text(), os::kReadWrite);
+    os::OpenResult b = os::openDevice(image.text(), os::kRead);
     ASSERT_TRUE(a.error.ok() && b.error.ok());
     ExclusiveAccess first;
     ExclusiveAccess second;

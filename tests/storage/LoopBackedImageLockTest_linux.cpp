@@ -9,39 +9,26 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "os/TempFile.h"
 #include "os/Utf8.h"
 #include "storage/DeviceLockingManager.h"
+#include "support/LoopDevice.h"
+#include "support/TempFile.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using libStorage::DeviceLockingManager;
-using testing_support::TempFile;
+using testsupport::firstLineOf;
+using testsupport::succeeds;
+using testsupport::TempImage;
 
 constexpr uintmax_t kImageBytes = 16 << 20;
-
-bool succeeds(const std::string& command) {
-    return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
-}
-
-std::string firstLineOf(const std::string& command) {
-    FILE* pipe = popen((command + " 2>/dev/null").c_str(), "r");
-    if (pipe == nullptr) return "";
-    std::array<char, 256> line{};
-    std::string text = std::fgets(line.data(), line.size(), pipe) != nullptr ? line.data() : "";
-    if (pclose(pipe) != 0) return "";
-    while (!text.empty() && text.back() == '\n') text.pop_back();
-    return text;
-}
 
 // One MBR partition from sector 2048 to the end of the image.
 void writePartitionTable(const std::string& image) {
@@ -107,8 +94,8 @@ bool mountOn(Scenario& s, const std::string& device) {
 class LoopBackedImageLockTest : public testing::Test {
 protected:
     void SetUp() override {
-        if (geteuid() != 0 || firstLineOf("losetup --version").empty())
-            GTEST_SKIP() << "needs root and losetup";
+        if (const std::string why = testsupport::loopDevicesUnavailable(); !why.empty())
+            GTEST_SKIP() << why;
     }
 };
 
@@ -206,10 +193,10 @@ TEST_F(LoopBackedImageLockTest, ImageIsRefusedWhileItsLoopDeviceIsInUse) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        TempFile image(kImageBytes, "libdrive-backing");
+        TempImage image("backing", kImageBytes);
         Scenario scenario;
-        scenario.lockedPath = image.path();
-        c.setUp(scenario, image.path());
+        scenario.lockedPath = image.text();
+        c.setUp(scenario, image.text());
         if (!scenario.why.empty()) {
             std::printf("[ SKIPPED  ] %s: %s\n", c.name.c_str(), scenario.why.c_str());
             continue;
