@@ -1,7 +1,10 @@
 # Compiler settings shared by every target, and the helper that makes one of the project's
 # shared libraries with its own export macro.
 
-add_compile_options(-Wall -Wextra)
+# The project's own code builds warning-free; third-party code added to the build opts out where
+# it is added (tests/CMakeLists.txt).
+add_compile_options(-Wall -Wextra -Wshadow -Wconversion -Wsign-conversion -Wfloat-conversion
+                    -Wdouble-promotion -Werror)
 
 if(LIBDRIVE_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer -fno-sanitize-recover=undefined)

@@ -45,7 +45,7 @@ kiv::Logger* logger() {
 
 }  // namespace
 
-CCacheTest::CCacheTest(Drive& drive) : DriveTest(drive) {}
+CCacheTest::CCacheTest(Drive& testedDrive) : DriveTest(testedDrive) {}
 
 quel5::TestResult CCacheTest::Run() {
     // The trace label is the one every hard-drive test's Run has always used.

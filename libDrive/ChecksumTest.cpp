@@ -70,8 +70,8 @@ unsigned int percentOf(uint64_t part, uint64_t whole) {
 
 }  // namespace
 
-CChecksumTest::CChecksumTest(Drive& drive, const ChecksumParameters& parameters)
-    : DriveTest(drive),
+CChecksumTest::CChecksumTest(Drive& testedDrive, const ChecksumParameters& parameters)
+    : DriveTest(testedDrive),
       checksumFileName(parameters.checksumFileName),
       fallbackFileName(parameters.fallbackFileName),
       expectedChecksum(parameters.expectedChecksum),

@@ -21,17 +21,17 @@ kiv::Logger* logger() {
 
 // Messages carry the source line they were written from as their first word.
 void log(int priority, int line, const wchar_t* text) {
-    logger()->log(priority, kiv::String::fromNumber(line) + L" " + text);
+    logger()->log(priority, kiv::String::fromNumber(static_cast<uint64_t>(line)) + L" " + text);
 }
 
 }  // namespace
 
-Drive::Drive(const quel5::DiagDevice& device)
+Drive::Drive(const quel5::DiagDevice& diagDevice)
     : osLocator(),
       driveLetter(),
       scsiPath(),
-      device(device),
-      lockingManager(device.osLocator().kivString().str()) {
+      device(diagDevice),
+      lockingManager(diagDevice.osLocator().kivString().str()) {
     if (const quel5::DeviceProperty* driverName = device.property(L"DriverName")) {
         driveLetter = driverName->value().valueString().kivString();
     } else if (const quel5::DeviceProperty* letter = device.property(L"DriveLetter")) {

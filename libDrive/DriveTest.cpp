@@ -36,8 +36,8 @@ quel5::Value percentText(double percent) {
 
 }  // namespace
 
-DriveTest::DriveTest(Drive& drive)
-    : drive(drive),
+DriveTest::DriveTest(Drive& testedDrive)
+    : drive(testedDrive),
       startSector(0),
       endSector(0),
       bytesPerSector(0),

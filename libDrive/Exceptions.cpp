@@ -73,12 +73,13 @@ InternalException::InternalException(kiv::String text) : kiv::Exception(text) {}
 InternalException::~InternalException() = default;
 
 EjectError::EjectError(kiv::String text) : kiv::Exception(text), status(0) {}
-EjectError::EjectError(unsigned int status) : kiv::Exception(kiv::String()), status(status) {}
+EjectError::EjectError(unsigned int statusCode)
+    : kiv::Exception(kiv::String()), status(statusCode) {}
 EjectError::~EjectError() = default;
 
 TestFailedException::TestFailedException(kiv::String text) : kiv::Exception(text), status(0) {}
-TestFailedException::TestFailedException(unsigned int status)
-    : kiv::Exception(kiv::String()), status(status) {}
+TestFailedException::TestFailedException(unsigned int statusCode)
+    : kiv::Exception(kiv::String()), status(statusCode) {}
 TestFailedException::~TestFailedException() = default;
 
 InvalidMediaException::InvalidMediaException(kiv::String text) : kiv::Exception(text) {}
@@ -89,49 +90,48 @@ FailedRetrivingADIPInfo::~FailedRetrivingADIPInfo() = default;
 
 FailedReadingTrackInformation::FailedReadingTrackInformation(kiv::String text)
     : kiv::Exception(text), status(0) {}
-FailedReadingTrackInformation::FailedReadingTrackInformation(unsigned int status)
-    : kiv::Exception(kiv::String()), status(status) {}
+FailedReadingTrackInformation::FailedReadingTrackInformation(unsigned int statusCode)
+    : kiv::Exception(kiv::String()), status(statusCode) {}
 FailedReadingTrackInformation::~FailedReadingTrackInformation() = default;
 
 FailedSettingDriveSpeed::FailedSettingDriveSpeed(kiv::String text)
     : kiv::Exception(text), desiredSpeed(0), actualSpeed(0) {}
-FailedSettingDriveSpeed::FailedSettingDriveSpeed(unsigned int desiredSpeed,
-                                                 unsigned int actualSpeed)
-    : kiv::Exception(kiv::String()), desiredSpeed(desiredSpeed), actualSpeed(actualSpeed) {}
+FailedSettingDriveSpeed::FailedSettingDriveSpeed(unsigned int desired, unsigned int actual)
+    : kiv::Exception(kiv::String()), desiredSpeed(desired), actualSpeed(actual) {}
 FailedSettingDriveSpeed::~FailedSettingDriveSpeed() = default;
 
 WriteFailedException::WriteFailedException(kiv::String text)
     : kiv::Exception(text), sectorNumber(0), errorCode(0) {}
-WriteFailedException::WriteFailedException(uint64_t sectorNumber, unsigned int errorCode)
-    : kiv::Exception(kiv::String()), sectorNumber(sectorNumber), errorCode(errorCode) {}
+WriteFailedException::WriteFailedException(uint64_t sector, unsigned int code)
+    : kiv::Exception(kiv::String()), sectorNumber(sector), errorCode(code) {}
 WriteFailedException::~WriteFailedException() = default;
 
 ReadFailedException::ReadFailedException(kiv::String text)
     : kiv::Exception(text), sectorNumber(0), errorCode(0) {}
-ReadFailedException::ReadFailedException(uint64_t sectorNumber, unsigned int errorCode)
-    : kiv::Exception(kiv::String()), sectorNumber(sectorNumber), errorCode(errorCode) {}
+ReadFailedException::ReadFailedException(uint64_t sector, unsigned int code)
+    : kiv::Exception(kiv::String()), sectorNumber(sector), errorCode(code) {}
 ReadFailedException::~ReadFailedException() = default;
 
 FailedRetrivingATIPInfo::FailedRetrivingATIPInfo(kiv::String text)
     : kiv::Exception(text), status(0) {}
-FailedRetrivingATIPInfo::FailedRetrivingATIPInfo(unsigned int status)
-    : kiv::Exception(kiv::String()), status(status) {}
+FailedRetrivingATIPInfo::FailedRetrivingATIPInfo(unsigned int statusCode)
+    : kiv::Exception(kiv::String()), status(statusCode) {}
 FailedRetrivingATIPInfo::~FailedRetrivingATIPInfo() = default;
 
 FailedClosingTrack::FailedClosingTrack(kiv::String text) : kiv::Exception(text), status(0) {}
-FailedClosingTrack::FailedClosingTrack(unsigned int status)
-    : kiv::Exception(kiv::String()), status(status) {}
+FailedClosingTrack::FailedClosingTrack(unsigned int statusCode)
+    : kiv::Exception(kiv::String()), status(statusCode) {}
 FailedClosingTrack::~FailedClosingTrack() = default;
 
 FailedClosingSession::FailedClosingSession(kiv::String text) : kiv::Exception(text), status(0) {}
-FailedClosingSession::FailedClosingSession(unsigned int status)
-    : kiv::Exception(kiv::String()), status(status) {}
+FailedClosingSession::FailedClosingSession(unsigned int statusCode)
+    : kiv::Exception(kiv::String()), status(statusCode) {}
 FailedClosingSession::~FailedClosingSession() = default;
 
 FailedStoppingBGFormat::FailedStoppingBGFormat(kiv::String text)
     : kiv::Exception(text), status(0) {}
-FailedStoppingBGFormat::FailedStoppingBGFormat(unsigned int status)
-    : kiv::Exception(kiv::String()), status(status) {}
+FailedStoppingBGFormat::FailedStoppingBGFormat(unsigned int statusCode)
+    : kiv::Exception(kiv::String()), status(statusCode) {}
 FailedStoppingBGFormat::~FailedStoppingBGFormat() = default;
 
 PromptDisabled::PromptDisabled(kiv::String text) : kiv::Exception(text) {}
@@ -142,8 +142,8 @@ CannotRun::~CannotRun() = default;
 
 FailedGettingCurrentProfile::FailedGettingCurrentProfile(kiv::String text)
     : kiv::Exception(text), status(0) {}
-FailedGettingCurrentProfile::FailedGettingCurrentProfile(unsigned int status)
-    : kiv::Exception(kiv::String()), status(status) {}
+FailedGettingCurrentProfile::FailedGettingCurrentProfile(unsigned int statusCode)
+    : kiv::Exception(kiv::String()), status(statusCode) {}
 FailedGettingCurrentProfile::~FailedGettingCurrentProfile() = default;
 
 WrongMediaTypeReturned::WrongMediaTypeReturned(kiv::String text) : kiv::Exception(text) {}

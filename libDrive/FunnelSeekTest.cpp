@@ -41,7 +41,7 @@ quel5::LocalizedString* funnelText(uint64_t lowSector, uint64_t highSector, uint
 
 }  // namespace
 
-CFunnelSeekTest::CFunnelSeekTest(Drive& drive) : DriveTest(drive) {}
+CFunnelSeekTest::CFunnelSeekTest(Drive& testedDrive) : DriveTest(testedDrive) {}
 
 quel5::TestResult CFunnelSeekTest::Run() {
     // The trace keeps the label it has always had; log readers search for it.

@@ -57,7 +57,7 @@ ReadStop countRead(const DriveTest& test, const quel5::TestResult& result, uint3
 
 }  // namespace
 
-CLinearReadCompareTest::CLinearReadCompareTest(Drive& drive) : DriveTest(drive) {}
+CLinearReadCompareTest::CLinearReadCompareTest(Drive& testedDrive) : DriveTest(testedDrive) {}
 
 quel5::TestResult CLinearReadCompareTest::Run() {
     // The trace keeps the label it has always had; log readers search for it.

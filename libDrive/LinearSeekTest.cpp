@@ -23,7 +23,7 @@ kiv::Logger* logger() {
 
 }  // namespace
 
-CLinearSeekTest::CLinearSeekTest(Drive& drive) : DriveTest(drive) {}
+CLinearSeekTest::CLinearSeekTest(Drive& testedDrive) : DriveTest(testedDrive) {}
 
 quel5::TestResult CLinearSeekTest::Run() {
     const ScopedTrace trace(logger(), L"CLinearSeekTest::Run", kSource, __LINE__);

@@ -45,7 +45,7 @@ kiv::Logger* logger() {
 
 }  // namespace
 
-CPatternTest::CPatternTest(Drive& drive) : DriveTest(drive) {}
+CPatternTest::CPatternTest(Drive& testedDrive) : DriveTest(testedDrive) {}
 
 quel5::TestResult CPatternTest::Run() {
     // The trace label is the one every hard-drive test's Run has always used.

@@ -32,7 +32,7 @@ kiv::Logger* logger() {
 
 }  // namespace
 
-CRandomSeekTest::CRandomSeekTest(Drive& drive) : DriveTest(drive), seeksOfRun(0) {}
+CRandomSeekTest::CRandomSeekTest(Drive& testedDrive) : DriveTest(testedDrive), seeksOfRun(0) {}
 
 quel5::TestResult CRandomSeekTest::Run() {
     // The trace keeps the label it has always had; log readers search for it.

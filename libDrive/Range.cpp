@@ -98,13 +98,13 @@ uint64_t sectorsOfPercent(uint64_t span, double percent) {
 
 }  // namespace
 
-CRange::CRange(const uint64_t& totalSectors, const unsigned int& bytesPerSector, bool allowPercent,
+CRange::CRange(const uint64_t& driveSectors, const unsigned int& sectorBytes, bool allowPercent,
                bool allowSeeks)
     : startRange(0),
       endRange(0),
       sectorTotalToTest(0),
       sectorPercentToTest(0.0),
-      bytesPerSector(bytesPerSector),
+      bytesPerSector(sectorBytes),
       jumpCount(0),
       totalSectors(0),
       numberOfSeeks(0),
@@ -135,7 +135,7 @@ CRange::CRange(const uint64_t& totalSectors, const unsigned int& bytesPerSector,
     }
 
     jumpCount = 1;
-    this->totalSectors = totalSectors;
+    totalSectors = driveSectors;
 
     kiv::String startText = L"MIN";
     if (g_StartRange->isset()) {

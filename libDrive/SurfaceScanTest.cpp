@@ -46,7 +46,7 @@ uint32_t requestedSeeks() {
 
 }  // namespace
 
-CSurfaceScanTest::CSurfaceScanTest(Drive& drive) : DriveTest(drive) {}
+CSurfaceScanTest::CSurfaceScanTest(Drive& testedDrive) : DriveTest(testedDrive) {}
 
 quel5::TestResult CSurfaceScanTest::Run() {
     // The trace keeps the label it has always had; log readers search for it.

@@ -9,8 +9,8 @@ namespace sim {
 
 using quel5::TestResult;
 
-SimulatedDrive::SimulatedDrive(const quel5::DiagDevice& device, SimulatedDriveConfig config)
-    : Drive(device), config_(std::move(config)) {
+SimulatedDrive::SimulatedDrive(const quel5::DiagDevice& diagDevice, SimulatedDriveConfig config)
+    : Drive(diagDevice), config_(std::move(config)) {
     if (config_.imagePath.empty()) {
         auto memory =
             std::make_unique<MemorySectorStore>(config_.bytesPerSector, config_.unwritten);

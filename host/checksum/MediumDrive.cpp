@@ -10,10 +10,10 @@ namespace host {
 
 using quel5::TestResult;
 
-MediumDrive::MediumDrive(const quel5::DiagDevice& device,
+MediumDrive::MediumDrive(const quel5::DiagDevice& diagDevice,
                          kivrlibdrive::CChecksumTest::ChecksumParameters parameters,
                          std::string location)
-    : Drive(device), parameters_(std::move(parameters)), location_(std::move(location)) {}
+    : Drive(diagDevice), parameters_(std::move(parameters)), location_(std::move(location)) {}
 
 TestResult MediumDrive::ReadSectors(const uint64_t&, unsigned int, void*, unsigned int) {
     return TestResult::NOTSUPPORTED;

@@ -19,9 +19,9 @@ namespace host {
 
 class MediumDrive : public kivrlibdrive::Drive {
 public:
-    // `device` must outlive the drive; `parameters` are what the checksum test is given;
+    // `diagDevice` must outlive the drive; `parameters` are what the checksum test is given;
     // `location` says for a person where the medium is looked for ("drive E:").
-    MediumDrive(const quel5::DiagDevice& device,
+    MediumDrive(const quel5::DiagDevice& diagDevice,
                 kivrlibdrive::CChecksumTest::ChecksumParameters parameters, std::string location);
 
     const kivrlibdrive::CChecksumTest::ChecksumParameters& checksumParameters() const {

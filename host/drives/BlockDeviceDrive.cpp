@@ -40,8 +40,8 @@ bool isAligned(const void* address, size_t alignment) {
 
 }  // namespace
 
-BlockDeviceDrive::BlockDeviceDrive(const quel5::DiagDevice& device)
-    : Drive(device), path_(device.osLocator().toUtf8()) {}
+BlockDeviceDrive::BlockDeviceDrive(const quel5::DiagDevice& diagDevice)
+    : Drive(diagDevice), path_(diagDevice.osLocator().toUtf8()) {}
 
 BlockDeviceDrive::~BlockDeviceDrive() = default;
 

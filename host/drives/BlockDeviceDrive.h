@@ -44,8 +44,8 @@ class UndoJournal;
 
 class BlockDeviceDrive : public kivrlibdrive::Drive {
 public:
-    // Does not touch the device; call OpenDevice(). `device` must outlive the drive.
-    explicit BlockDeviceDrive(const quel5::DiagDevice& device);
+    // Does not touch the device; call OpenDevice(). `diagDevice` must outlive the drive.
+    explicit BlockDeviceDrive(const quel5::DiagDevice& diagDevice);
     ~BlockDeviceDrive() override;
 
     // Reads and writes move the whole buffer: max(count, bufferSize / sector size) sectors. The

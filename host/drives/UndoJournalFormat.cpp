@@ -63,11 +63,11 @@ public:
 
 private:
     template <typename T>
-    bool get(T* value, int size) {
+    bool get(T* value, std::size_t size) {
         std::array<unsigned char, 8> raw{};
-        if (!bytes(raw.data(), static_cast<std::size_t>(size))) return false;
+        if (!bytes(raw.data(), size)) return false;
         T result = 0;
-        for (int i = 0; i < size; ++i) result |= static_cast<T>(raw[i]) << (8 * i);
+        for (std::size_t i = 0; i < size; ++i) result |= static_cast<T>(raw[i]) << (8 * i);
         *value = result;
         return true;
     }

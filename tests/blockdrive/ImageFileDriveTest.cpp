@@ -86,7 +86,8 @@ std::unique_ptr<host::BlockDeviceDrive> openDrive(const quel5::DiagDevice& devic
 // Bytes `replacement` put at `offset` into `original`.
 std::vector<uint8_t> patched(std::vector<uint8_t> original, uint64_t offset,
                              const std::vector<uint8_t>& replacement) {
-    std::copy(replacement.begin(), replacement.end(), original.begin() + offset);
+    std::copy(replacement.begin(), replacement.end(),
+              original.begin() + static_cast<std::ptrdiff_t>(offset));
     return original;
 }
 

@@ -172,11 +172,14 @@ TEST_F(ImageFileReadAheadTest, WritesUnderLockAreSeenByTheSweepAfterThem) {
         ASSERT_EQ(drive->WriteSectors(c.sector, 8, written.data(), 8 * kSector), TestResult::PASS)
             << drive->lastError();
         std::vector<uint8_t> expected = imageBytes(0, 2 * kMiB);
-        std::copy(written.begin(), written.end(), expected.begin() + c.sector * kSector);
+        std::copy(written.begin(), written.end(),
+                  expected.begin() + static_cast<std::ptrdiff_t>(c.sector * kSector));
         std::vector<uint8_t> block(64 * kSector);
         for (uint64_t sector = 4 * 64; sector < drive->GetTotalSectors(); sector += 64) {
             ASSERT_EQ(drive->ReadSectors(sector, 64, block.data(), 64 * kSector), TestResult::PASS);
-            EXPECT_TRUE(std::equal(block.begin(), block.end(), expected.begin() + sector * kSector))
+            EXPECT_TRUE(
+                std::equal(block.begin(), block.end(),
+                           expected.begin() + static_cast<std::ptrdiff_t>(sector * kSector)))
                 << "sector " << sector;
         }
         drive->unLock();

@@ -196,7 +196,8 @@ TEST_F(DrivediagSignalLoop, KilledAtRandomMomentsRestoreGivesEveryByteBack) {
     std::mt19937 random(20240612);
     for (int round = 0; round < 6; ++round) {
         const std::string test = round % 2 == 0 ? "pattern" : "cache";
-        const unsigned long long writes = std::uniform_int_distribution<int>(1, 200)(random);
+        const auto writes =
+            static_cast<unsigned long long>(std::uniform_int_distribution<int>(1, 200)(random));
         SCOPED_TRACE(test + " killed after " + std::to_string(writes) + " writes");
         EXPECT_EQ(signalAfterWrites(test, SIGKILL, writes), 128 + SIGKILL);
         ASSERT_TRUE(std::filesystem::exists(journal_));

@@ -205,12 +205,12 @@ TEST_F(UndoJournalTest, CutOffAtAnyWriteThePendingRecordsGiveTheOriginalBack) {
     };
     std::vector<Step> pattern;
     for (uint64_t sector : {1u, 2u, 65u, 4095u}) {
-        for (unsigned char fill : {0xFF, 0x00})
+        for (unsigned char fill : std::initializer_list<unsigned char>{0xFF, 0x00})
             pattern.push_back({sector, Bytes(kSector, fill), 1});
         pattern.push_back({sector, {}, 1});
     }
     std::vector<Step> cache;
-    for (unsigned char fill : {0x00, 0xFF}) {
+    for (unsigned char fill : std::initializer_list<unsigned char>{0x00, 0xFF}) {
         for (uint64_t block = 0; block < 4; ++block) {
             cache.push_back({2048 + block * 256, Bytes(256 * kSector, fill), 256});
             cache.push_back({2048 + block * 256, {}, 256});

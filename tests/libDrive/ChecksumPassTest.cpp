@@ -50,8 +50,8 @@ std::string letters(std::size_t count) {
 // at each prompt, as a person inserting a medium would.
 class MediumDrive : public sim::SimulatedDrive {
 public:
-    MediumDrive(const quel5::DiagDevice& device)
-        : sim::SimulatedDrive(device, drivetests::driveOf(100)) {
+    MediumDrive(const quel5::DiagDevice& diagDevice)
+        : sim::SimulatedDrive(diagDevice, drivetests::driveOf(100)) {
         switches().needsMediaCheck = true;
     }
 

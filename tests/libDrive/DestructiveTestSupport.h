@@ -38,8 +38,8 @@ inline std::vector<std::string> eventLines(const testsupport::RecordingHost& hos
 // gives it), "volumes" for lock() and "release" for unLock().
 class WriteRecordingDrive : public CallRecordingDrive {
 public:
-    WriteRecordingDrive(const quel5::DiagDevice& device, sim::SimulatedDriveConfig config)
-        : CallRecordingDrive(device, std::move(config)) {}
+    WriteRecordingDrive(const quel5::DiagDevice& diagDevice, sim::SimulatedDriveConfig config)
+        : CallRecordingDrive(diagDevice, std::move(config)) {}
 
     // When set and true for a write, the write answers `refusal` without touching the sectors.
     std::function<bool(uint64_t sector, const std::string& fill)> refuseWrite;

@@ -76,8 +76,8 @@ private:
 // from a read and heal its faults when a re-run is confirmed.
 class CallRecordingDrive : public sim::SimulatedDrive {
 public:
-    CallRecordingDrive(const quel5::DiagDevice& device, sim::SimulatedDriveConfig config)
-        : sim::SimulatedDrive(device, std::move(config)) {}
+    CallRecordingDrive(const quel5::DiagDevice& diagDevice, sim::SimulatedDriveConfig config)
+        : sim::SimulatedDrive(diagDevice, std::move(config)) {}
 
     std::vector<std::string> calls;
     std::optional<uint64_t> throwOnReadOf;

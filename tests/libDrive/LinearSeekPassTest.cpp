@@ -129,7 +129,7 @@ TEST_F(LinearSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
          TestResult::INTERNALERROR, 1, {}, stepsFrom(0, 1, 6)},
         {"too many errors", 100, 512, {{"EndRange", "10"}, {"NumberOfSeeks", "10"}, {"MaxErrors", "2"}},
          [](CallRecordingDrive& d) {
-             for (uint64_t s : {1, 2, 3}) d.injectFault(s, sim::SectorFault::ReadFails);
+             for (uint64_t s : {1u, 2u, 3u}) d.injectFault(s, sim::SectorFault::ReadFails);
          },
          TestResult::FAIL, 1, {"MAX_ERRORS_EXCEEDED"}, stepsFrom(0, 1, 3)},
         {"media check passes", 100, 512, tenSectors,

@@ -29,7 +29,8 @@ struct DirectRange {
 template <typename Test>
 class WithDirectRange : public Test {
 public:
-    WithDirectRange(kivrlibdrive::Drive& drive, DirectRange range) : Test(drive), range_(range) {}
+    WithDirectRange(kivrlibdrive::Drive& testedDrive, DirectRange range)
+        : Test(testedDrive), range_(range) {}
 
 protected:
     quel5::TestResult Initialize() override {

@@ -126,7 +126,7 @@ TEST(Device, SystemDirectoryNamesSystem32) {
     std::wstring directory = os::systemDirectory();
     ASSERT_GE(directory.size(), 8u);
     for (wchar_t& ch : directory) {
-        ch = static_cast<wchar_t>(std::towlower(ch));
+        ch = static_cast<wchar_t>(std::towlower(static_cast<wint_t>(ch)));
     }
     EXPECT_EQ(directory.substr(directory.size() - 8), L"system32");
     EXPECT_EQ(directory.substr(1, 2), L":\\");

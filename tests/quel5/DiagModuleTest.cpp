@@ -116,7 +116,7 @@ TEST(DiagModuleTest, StopScriptsAnswerPolls) {
         SCOPED_TRACE(c.what);
         RecordingHost host;
         ScopedHost installed(host);
-        if (c.afterPolls >= 0) host.stopAfterPolls(c.afterPolls);
+        if (c.afterPolls >= 0) host.stopAfterPolls(static_cast<unsigned int>(c.afterPolls));
         if (c.afterPolls == -1) {
             host.stopWhen([](const RecordingHost& h) { return h.lastPercent().value_or(0) >= 50; });
         }

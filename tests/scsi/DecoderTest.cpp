@@ -19,7 +19,8 @@ Bytes configuration(size_t profiles, int statedLength = -1, int additional = -1)
         data.insert(data.end(), {0x00, static_cast<uint8_t>(0x10 + i),
                                  static_cast<uint8_t>(i == 1 ? 1 : 0), 0});
     }
-    data[11] = static_cast<uint8_t>(additional < 0 ? profiles * 4 : additional);
+    data[11] =
+        static_cast<uint8_t>(additional < 0 ? profiles * 4 : static_cast<size_t>(additional));
     const uint32_t length = statedLength < 0 ? static_cast<uint32_t>(data.size() - 4)
                                              : static_cast<uint32_t>(statedLength);
     data[3] = static_cast<uint8_t>(length);
@@ -51,7 +52,7 @@ TEST(DecoderTest, ProfileListKeepsInsideEveryLimit) {
         SCOPED_TRACE(c.name);
         // The decoder sees only what was received: a copy of exactly that length lets the
         // sanitizer catch any read past it.
-        const Bytes seen(c.data.begin(), c.data.begin() + c.received);
+        const Bytes seen(c.data.begin(), c.data.begin() + static_cast<std::ptrdiff_t>(c.received));
         std::vector<uint16_t> profiles;
         for (const kivscsi::ProfileEntry& entry :
              kivscsi::decodeProfileList(seen.data(), seen.size())) {
@@ -161,7 +162,7 @@ TEST(DecoderTest, DiscInformation) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const Bytes seen(c.data.begin(), c.data.begin() + c.received);
+        const Bytes seen(c.data.begin(), c.data.begin() + static_cast<std::ptrdiff_t>(c.received));
         const auto info = kivscsi::decodeDiscInformation(seen.data(), seen.size());
         ASSERT_EQ(info.has_value(), c.decoded);
         if (!info) continue;
@@ -221,7 +222,7 @@ TEST(DecoderTest, ModePages) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const Bytes seen(c.data.begin(), c.data.begin() + c.received);
+        const Bytes seen(c.data.begin(), c.data.begin() + static_cast<std::ptrdiff_t>(c.received));
         const auto page = kivscsi::findModePage(seen.data(), seen.size(), c.pageCode);
         ASSERT_EQ(page.has_value(), c.found);
         if (!page) continue;
@@ -249,7 +250,7 @@ Bytes structure(size_t size, size_t offset, const std::string& text) {
     Bytes data(size, 0);
     data[0] = static_cast<uint8_t>((size - 2) >> 8);
     data[1] = static_cast<uint8_t>(size - 2);
-    std::copy(text.begin(), text.end(), data.begin() + offset);
+    std::copy(text.begin(), text.end(), data.begin() + static_cast<std::ptrdiff_t>(offset));
     return data;
 }
 
@@ -284,7 +285,7 @@ TEST(DecoderTest, StructureIdentifiers) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const Bytes seen(c.data.begin(), c.data.begin() + c.received);
+        const Bytes seen(c.data.begin(), c.data.begin() + static_cast<std::ptrdiff_t>(c.received));
         EXPECT_EQ(c.decode(seen.data(), seen.size()), c.expected);
     }
 }

@@ -39,7 +39,7 @@ TEST(PassThroughLimits, TimeoutSecondsRoundUpWithoutWrapping) {
 std::vector<unsigned char> descriptor(uint32_t maxTransfer, uint32_t pages, uint32_t mask) {
     std::vector<unsigned char> bytes(32, 0);
     auto put = [&bytes](size_t offset, uint32_t value) {
-        for (int i = 0; i < 4; ++i)
+        for (size_t i = 0; i < 4; ++i)
             bytes[offset + i] = static_cast<unsigned char>(value >> (8 * i));
     };
     put(0, 32);

@@ -256,7 +256,8 @@ TEST(SimulatedDrive, ImageFileHoldsTheSectorsAcrossDrives) {
     Bytes content(8 * kSector);
     for (std::size_t i = 0; i < content.size(); ++i) content[i] = static_cast<uint8_t>(i * 7);
     std::ofstream(image, std::ios::binary)
-        .write(reinterpret_cast<const char*>(content.data()), content.size());
+        .write(reinterpret_cast<const char*>(content.data()),
+               static_cast<std::streamsize>(content.size()));
 
     auto config = sized(0);
     config.imagePath = image;
@@ -312,9 +313,11 @@ TEST(SimulatedDrive, ChargesItsCostToTheInstalledClock) {
         for (const Step& step : row.steps) {
             Bytes data(step.sectors * kSector);
             if (step.kind == R) {
-                f.drive.ReadSectors(step.start, step.sectors, data.data(), data.size());
+                f.drive.ReadSectors(step.start, step.sectors, data.data(),
+                                    static_cast<unsigned int>(data.size()));
             } else {
-                f.drive.WriteSectors(step.start, step.sectors, data.data(), data.size());
+                f.drive.WriteSectors(step.start, step.sectors, data.data(),
+                                     static_cast<unsigned int>(data.size()));
             }
         }
         EXPECT_EQ(clock.elapsedMilliseconds(), row.expectedMs);
@@ -330,7 +333,8 @@ TEST(SimulatedDrive, RecordsEveryOperationInOrderWithWhatItCovered) {
     f.read(1, 2);
     f.write(3, Bytes(kSector, 1));
     f.read(7, 1, TestResult::FAIL);
-    f.drive.ReadSectors(100, 1, block.data(), block.size());  // the buffer decides the length
+    f.drive.ReadSectors(100, 1, block.data(),
+                        static_cast<unsigned int>(block.size()));  // the buffer decides the length
     EXPECT_EQ(f.drive.VerifySectors(5, 3), TestResult::FAIL);
     f.read(1000, 1, TestResult::FAIL);
 

@@ -109,7 +109,7 @@ public:
 private:
     static uintptr_t id(VolumeHandle volume) { return reinterpret_cast<uintptr_t>(volume); }
     static void put(std::vector<unsigned char>& bytes, size_t offset, uint32_t value) {
-        for (int i = 0; i < 4; ++i)
+        for (size_t i = 0; i < 4; ++i)
             bytes[offset + i] = static_cast<unsigned char>(value >> (8 * i));
     }
     const FakeVolume* find(const std::wstring& path) const {

@@ -23,8 +23,8 @@ namespace kivrlibdrive {
 
 class LIBDRIVE_API CCacheTest : public DriveTest {
 public:
-    // `drive` is not owned and must outlive the test.
-    explicit CCacheTest(Drive& drive);
+    // `testedDrive` is not owned and must outlive the test.
+    explicit CCacheTest(Drive& testedDrive);
     CCacheTest(const CCacheTest& other) = default;
 
     // NODEVICE for a drive without a handle. Otherwise one run of five passes; a FAIL is

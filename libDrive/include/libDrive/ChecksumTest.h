@@ -39,8 +39,8 @@ public:
         bool failIfNotFound = false;
     };
 
-    // `drive` is not owned and must outlive the test; `parameters` is copied.
-    CChecksumTest(Drive& drive, const ChecksumParameters& parameters);
+    // `testedDrive` is not owned and must outlive the test; `parameters` is copied.
+    CChecksumTest(Drive& testedDrive, const ChecksumParameters& parameters);
     CChecksumTest(const CChecksumTest& other) = default;
 
     // NODEVICE for a drive without a handle. Otherwise, with the tray locked: PASS (replaced by

@@ -31,8 +31,8 @@ public:
     // Reads the device properties: "DriverName" (the path to open, used as it is), else
     // "DriveLetter" (a letter X gives the path "\\.\X:"), and "SCSIPath" (up to four numbers:
     // port, path, target, lun, each cut to 8 bits). Missing properties leave the path empty and
-    // the address components 0. `device` is not owned and must outlive the drive.
-    explicit Drive(const quel5::DiagDevice& device);
+    // the address components 0. `diagDevice` is not owned and must outlive the drive.
+    explicit Drive(const quel5::DiagDevice& diagDevice);
     Drive(const Drive&) = delete;
     Drive& operator=(const Drive&) = delete;
 

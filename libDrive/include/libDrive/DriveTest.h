@@ -25,8 +25,8 @@ public:
     static constexpr uint32_t DEFAULT_MAX_ERRORS = 10;
     static constexpr uint64_t MINIMUM_JUMP_BY_VALUE = 1;
 
-    // `drive` is not owned and must outlive the test. Reads "MaxErrors" into the error limit.
-    explicit DriveTest(Drive& drive);
+    // `testedDrive` is not owned and must outlive the test. Reads "MaxErrors" into the error limit.
+    explicit DriveTest(Drive& testedDrive);
     DriveTest(const DriveTest& other) = default;
     DriveTest& operator=(const DriveTest&) = delete;
     virtual ~DriveTest();

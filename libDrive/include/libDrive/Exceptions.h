@@ -181,7 +181,7 @@ public:
 class LIBDRIVE_API EjectError : public kiv::Exception {
 public:
     explicit EjectError(kiv::String text);
-    explicit EjectError(unsigned int status);
+    explicit EjectError(unsigned int statusCode);
     EjectError(const EjectError&) = default;
     EjectError& operator=(const EjectError&) = default;
     ~EjectError() override;
@@ -197,7 +197,7 @@ private:
 class LIBDRIVE_API TestFailedException : public kiv::Exception {
 public:
     explicit TestFailedException(kiv::String text);
-    explicit TestFailedException(unsigned int status);
+    explicit TestFailedException(unsigned int statusCode);
     TestFailedException(const TestFailedException&) = default;
     TestFailedException& operator=(const TestFailedException&) = default;
     ~TestFailedException() override;
@@ -231,7 +231,7 @@ public:
 class LIBDRIVE_API FailedReadingTrackInformation : public kiv::Exception {
 public:
     explicit FailedReadingTrackInformation(kiv::String text);
-    explicit FailedReadingTrackInformation(unsigned int status);
+    explicit FailedReadingTrackInformation(unsigned int statusCode);
     FailedReadingTrackInformation(const FailedReadingTrackInformation&) = default;
     FailedReadingTrackInformation& operator=(const FailedReadingTrackInformation&) = default;
     ~FailedReadingTrackInformation() override;
@@ -245,7 +245,7 @@ private:
 class LIBDRIVE_API FailedSettingDriveSpeed : public kiv::Exception {
 public:
     explicit FailedSettingDriveSpeed(kiv::String text);
-    FailedSettingDriveSpeed(unsigned int desiredSpeed, unsigned int actualSpeed);
+    FailedSettingDriveSpeed(unsigned int desired, unsigned int actual);
     FailedSettingDriveSpeed(const FailedSettingDriveSpeed&) = default;
     FailedSettingDriveSpeed& operator=(const FailedSettingDriveSpeed&) = default;
     ~FailedSettingDriveSpeed() override;
@@ -263,7 +263,7 @@ private:
 class LIBDRIVE_API WriteFailedException : public kiv::Exception {
 public:
     explicit WriteFailedException(kiv::String text);
-    WriteFailedException(uint64_t sectorNumber, unsigned int errorCode);
+    WriteFailedException(uint64_t sector, unsigned int code);
     WriteFailedException(const WriteFailedException&) = default;
     WriteFailedException& operator=(const WriteFailedException&) = default;
     ~WriteFailedException() override;
@@ -281,7 +281,7 @@ private:
 class LIBDRIVE_API ReadFailedException : public kiv::Exception {
 public:
     explicit ReadFailedException(kiv::String text);
-    ReadFailedException(uint64_t sectorNumber, unsigned int errorCode);
+    ReadFailedException(uint64_t sector, unsigned int code);
     ReadFailedException(const ReadFailedException&) = default;
     ReadFailedException& operator=(const ReadFailedException&) = default;
     ~ReadFailedException() override;
@@ -299,7 +299,7 @@ private:
 class LIBDRIVE_API FailedRetrivingATIPInfo : public kiv::Exception {
 public:
     explicit FailedRetrivingATIPInfo(kiv::String text);
-    explicit FailedRetrivingATIPInfo(unsigned int status);
+    explicit FailedRetrivingATIPInfo(unsigned int statusCode);
     FailedRetrivingATIPInfo(const FailedRetrivingATIPInfo&) = default;
     FailedRetrivingATIPInfo& operator=(const FailedRetrivingATIPInfo&) = default;
     ~FailedRetrivingATIPInfo() override;
@@ -315,7 +315,7 @@ private:
 class LIBDRIVE_API FailedClosingTrack : public kiv::Exception {
 public:
     explicit FailedClosingTrack(kiv::String text);
-    explicit FailedClosingTrack(unsigned int status);
+    explicit FailedClosingTrack(unsigned int statusCode);
     FailedClosingTrack(const FailedClosingTrack&) = default;
     FailedClosingTrack& operator=(const FailedClosingTrack&) = default;
     ~FailedClosingTrack() override;
@@ -331,7 +331,7 @@ private:
 class LIBDRIVE_API FailedClosingSession : public kiv::Exception {
 public:
     explicit FailedClosingSession(kiv::String text);
-    explicit FailedClosingSession(unsigned int status);
+    explicit FailedClosingSession(unsigned int statusCode);
     FailedClosingSession(const FailedClosingSession&) = default;
     FailedClosingSession& operator=(const FailedClosingSession&) = default;
     ~FailedClosingSession() override;
@@ -347,7 +347,7 @@ private:
 class LIBDRIVE_API FailedStoppingBGFormat : public kiv::Exception {
 public:
     explicit FailedStoppingBGFormat(kiv::String text);
-    explicit FailedStoppingBGFormat(unsigned int status);
+    explicit FailedStoppingBGFormat(unsigned int statusCode);
     FailedStoppingBGFormat(const FailedStoppingBGFormat&) = default;
     FailedStoppingBGFormat& operator=(const FailedStoppingBGFormat&) = default;
     ~FailedStoppingBGFormat() override;
@@ -381,7 +381,7 @@ public:
 class LIBDRIVE_API FailedGettingCurrentProfile : public kiv::Exception {
 public:
     explicit FailedGettingCurrentProfile(kiv::String text);
-    explicit FailedGettingCurrentProfile(unsigned int status);
+    explicit FailedGettingCurrentProfile(unsigned int statusCode);
     FailedGettingCurrentProfile(const FailedGettingCurrentProfile&) = default;
     FailedGettingCurrentProfile& operator=(const FailedGettingCurrentProfile&) = default;
     ~FailedGettingCurrentProfile() override;

@@ -18,8 +18,8 @@ namespace kivrlibdrive {
 
 class LIBDRIVE_API CFunnelSeekTest : public DriveTest {
 public:
-    // `drive` is not owned and must outlive the test.
-    explicit CFunnelSeekTest(Drive& drive);
+    // `testedDrive` is not owned and must outlive the test.
+    explicit CFunnelSeekTest(Drive& testedDrive);
     CFunnelSeekTest(const CFunnelSeekTest& other) = default;
 
     // NODEVICE for a drive without a handle. Otherwise one pass; a FAIL is followed by one more

@@ -25,8 +25,8 @@ namespace kivrlibdrive {
 
 class LIBDRIVE_API CLinearReadCompareTest : public DriveTest {
 public:
-    // `drive` is not owned and must outlive the test.
-    explicit CLinearReadCompareTest(Drive& drive);
+    // `testedDrive` is not owned and must outlive the test.
+    explicit CLinearReadCompareTest(Drive& testedDrive);
     CLinearReadCompareTest(const CLinearReadCompareTest& other) = default;
 
     // NODEVICE for a drive without a handle. Otherwise one pass; a FAIL is followed by one more

@@ -16,8 +16,8 @@ namespace kivrlibdrive {
 
 class LIBDRIVE_API CLinearSeekTest : public DriveTest {
 public:
-    // `drive` is not owned and must outlive the test.
-    explicit CLinearSeekTest(Drive& drive);
+    // `testedDrive` is not owned and must outlive the test.
+    explicit CLinearSeekTest(Drive& testedDrive);
 
     // NODEVICE for a drive without a handle. Otherwise one pass; a FAIL is followed by one more
     // pass (after "RERUN_TEST") when the drive allows and confirms it; a PASS is replaced by the

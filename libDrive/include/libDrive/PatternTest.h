@@ -22,8 +22,8 @@ namespace kivrlibdrive {
 
 class LIBDRIVE_API CPatternTest : public DriveTest {
 public:
-    // `drive` is not owned and must outlive the test.
-    explicit CPatternTest(Drive& drive);
+    // `testedDrive` is not owned and must outlive the test.
+    explicit CPatternTest(Drive& testedDrive);
     CPatternTest(const CPatternTest& other) = default;
 
     // NODEVICE for a drive without a handle. Otherwise one pass; a FAIL is followed by one more

@@ -24,8 +24,8 @@ public:
     // The smallest span sectors are drawn from.
     static constexpr uint64_t MINIMUM_RANGE = 1;
 
-    // `drive` is not owned and must outlive the test.
-    explicit CRandomSeekTest(Drive& drive);
+    // `testedDrive` is not owned and must outlive the test.
+    explicit CRandomSeekTest(Drive& testedDrive);
     CRandomSeekTest(const CRandomSeekTest& other) = default;
 
     // NODEVICE for a drive without a handle. Otherwise one pass; a FAIL is followed by one more

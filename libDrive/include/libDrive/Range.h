@@ -19,7 +19,7 @@ class LIBDRIVE_API CRange {
 public:
     enum RANGE_TYPE { RANGE_START = 0, RANGE_END = 1 };
 
-    // Evaluates the parameters for a drive of `totalSectors` sectors of `bytesPerSector` bytes.
+    // Evaluates the parameters for a drive of `driveSectors` sectors of `sectorBytes` bytes.
     // `allowPercent` / `allowSeeks` say which amount parameters the caller accepts; with neither
     // the whole range is tested.
     // Throws:
@@ -31,7 +31,7 @@ public:
     //    "InvalidRangeEntry" with "PARAMETER_NAME" as a warning;
     //  - kiv::InternalError when a text cannot be evaluated (or the sector size is 0 where a
     //    size must be turned into sectors).
-    CRange(const uint64_t& totalSectors, const unsigned int& bytesPerSector, bool allowPercent,
+    CRange(const uint64_t& driveSectors, const unsigned int& sectorBytes, bool allowPercent,
            bool allowSeeks);
     CRange(const CRange& other);
     CRange& operator=(const CRange& other);

@@ -21,8 +21,8 @@ namespace kivrlibdrive {
 
 class LIBDRIVE_API CSurfaceScanTest : public DriveTest {
 public:
-    // `drive` is not owned and must outlive the test.
-    explicit CSurfaceScanTest(Drive& drive);
+    // `testedDrive` is not owned and must outlive the test.
+    explicit CSurfaceScanTest(Drive& testedDrive);
     CSurfaceScanTest(const CSurfaceScanTest& other) = default;
 
     // NODEVICE for a drive without a handle. Otherwise one pass; a FAIL is followed by one more

@@ -14,11 +14,13 @@ class RealClock final : public Clock {
 public:
     uint64_t nowMilliseconds() override {
         using namespace std::chrono;
-        return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
+        return static_cast<uint64_t>(
+            duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count());
     }
     uint64_t monotonicMilliseconds() override {
         using namespace std::chrono;
-        return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+        return static_cast<uint64_t>(
+            duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count());
     }
     void sleep(uint32_t milliseconds) override {
         std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));

@@ -80,7 +80,8 @@ std::string structureText(const uint8_t* data, size_t received, size_t offset, s
     const size_t usable = std::min(count, limit - offset);
     const void* zero = std::memchr(data + offset, 0, usable);
     const size_t length =
-        zero != nullptr ? static_cast<const uint8_t*>(zero) - (data + offset) : usable;
+        zero != nullptr ? static_cast<size_t>(static_cast<const uint8_t*>(zero) - (data + offset))
+                        : usable;
     return std::string(reinterpret_cast<const char*>(data + offset), length);
 }
 

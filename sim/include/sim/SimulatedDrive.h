@@ -50,9 +50,9 @@ struct DriveCounters {
 
 class SimulatedDrive : public kivrlibdrive::Drive {
 public:
-    // `device` must outlive the drive. Throws kiv::Exception when the image file of `config`
+    // `diagDevice` must outlive the drive. Throws kiv::Exception when the image file of `config`
     // cannot be opened.
-    SimulatedDrive(const quel5::DiagDevice& device, SimulatedDriveConfig config);
+    SimulatedDrive(const quel5::DiagDevice& diagDevice, SimulatedDriveConfig config);
     ~SimulatedDrive() override;
 
     quel5::TestResult ReadSectors(const uint64_t& startSector, unsigned int count, void* buffer,
