@@ -2,14 +2,14 @@
 
 #include <array>
 
-#include "kiv/Log.h"
 #include "ClassLog.h"
 #include "DestructivePass.h"
 #include "InternalParameters.h"
-#include "libDrive/LibDriveStrings.h"
 #include "PassReporting.h"
 #include "PassRules.h"
 #include "PassTiming.h"
+#include "kiv/Log.h"
+#include "libDrive/LibDriveStrings.h"
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {

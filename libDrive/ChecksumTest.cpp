@@ -4,15 +4,15 @@
 #include <array>
 #include <limits>
 
+#include "ClassLog.h"
+#include "PassReporting.h"
+#include "PassRules.h"
+#include "PassTiming.h"
 #include "kiv/FileSystem.h"
 #include "kiv/KIVMD5.h"
 #include "kiv/Log.h"
 #include "kiv/Stream.h"
-#include "ClassLog.h"
 #include "libDrive/LibDriveStrings.h"
-#include "PassReporting.h"
-#include "PassRules.h"
-#include "PassTiming.h"
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {

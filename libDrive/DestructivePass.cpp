@@ -3,9 +3,9 @@
 #include <cstring>
 #include <limits>
 
+#include "SectorBuffer.h"
 #include "libDrive/LibDriveStrings.h"
 #include "libDrive/Parameters.h"
-#include "SectorBuffer.h"
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {

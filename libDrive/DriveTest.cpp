@@ -3,11 +3,11 @@
 #include <cstdio>
 #include <memory>
 
+#include "ClassLog.h"
+#include "InternalParameters.h"
 #include "kiv/Exception.h"
 #include "kiv/Log.h"
-#include "ClassLog.h"
 #include "libDrive/Exceptions.h"
-#include "InternalParameters.h"
 #include "libDrive/LibDriveStrings.h"
 #include "libDrive/Range.h"
 #include "quel5/DiagModule.h"

@@ -2,13 +2,13 @@
 
 #include <cstdint>
 
-#include "kiv/Log.h"
 #include "ClassLog.h"
-#include "libDrive/LibDriveStrings.h"
 #include "PassReporting.h"
 #include "PassRules.h"
 #include "PassTiming.h"
 #include "SectorBuffer.h"
+#include "kiv/Log.h"
+#include "libDrive/LibDriveStrings.h"
 #include "quel5/DiagModule.h"
 #include "quel5/Value.h"
 

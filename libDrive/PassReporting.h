@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
+#include "PassTiming.h"
 #include "kiv/Log.h"
 #include "libDrive/Drive.h"
-#include "PassTiming.h"
 #include "quel5/Event.h"
 
 namespace kivrlibdrive {

@@ -54,8 +54,8 @@ quel5::TestResult OpenPass(Drive& drive, TrayHold& tray,
     return initialized;
 }
 
-quel5::TestResult AbandonPass(TrayHold& tray, quel5::Event* event, const wchar_t* source,
-                              int line, quel5::TestResult result) {
+quel5::TestResult AbandonPass(TrayHold& tray, quel5::Event* event, const wchar_t* source, int line,
+                              quel5::TestResult result) {
     tray.Release();
     quel5::DiagModule::warning(event, source, line);
     return result;

@@ -58,8 +58,8 @@ quel5::TestResult OpenPass(Drive& drive, TrayHold& tray,
 
 // Leaves a pass before it read anything: releases the tray, raises `event` as a warning from
 // `source`, line `line`, and returns `result`.
-quel5::TestResult AbandonPass(TrayHold& tray, quel5::Event* event, const wchar_t* source,
-                              int line, quel5::TestResult result);
+quel5::TestResult AbandonPass(TrayHold& tray, quel5::Event* event, const wchar_t* source, int line,
+                              quel5::TestResult result);
 
 // Ends a pass that read to its end, stopped early or was stopped, with working result `running`:
 // percentDone(100), the tray released, then the pass's result. With no minimum error percentage
@@ -74,15 +74,15 @@ quel5::TestResult ClosePass(DriveTest& test, TrayHold& tray, const quel5::TestRe
 // more pass. With UnqualifiedMediaPrompt::AfterFailure a result still FAIL then calls the
 // drive's PromptUserOnUnqualifiedMedia() (its answer ignored) when CheckForQualifiedMedia() is
 // true. A PASS is finally replaced by the drive's GetPASSResult().
-quel5::TestResult RunOfferingRerun(
-    Drive& drive, const std::function<quel5::TestResult()>& pass, const wchar_t* source,
-    int rerunEventLine, UnqualifiedMediaPrompt prompt = UnqualifiedMediaPrompt::Never);
+quel5::TestResult RunOfferingRerun(Drive& drive, const std::function<quel5::TestResult()>& pass,
+                                   const wchar_t* source, int rerunEventLine,
+                                   UnqualifiedMediaPrompt prompt = UnqualifiedMediaPrompt::Never);
 
 // A test's whole Run: NODEVICE (from DriveTest::Run) for a drive without a handle, otherwise
 // RunOfferingRerun() (without the media prompt unless `prompt` asks for it).
-quel5::TestResult RunCheckedPasses(
-    DriveTest& test, Drive& drive, const std::function<quel5::TestResult()>& pass,
-    const wchar_t* source, int rerunEventLine,
-    UnqualifiedMediaPrompt prompt = UnqualifiedMediaPrompt::Never);
+quel5::TestResult RunCheckedPasses(DriveTest& test, Drive& drive,
+                                   const std::function<quel5::TestResult()>& pass,
+                                   const wchar_t* source, int rerunEventLine,
+                                   UnqualifiedMediaPrompt prompt = UnqualifiedMediaPrompt::Never);
 
 }  // namespace kivrlibdrive

@@ -3,15 +3,15 @@
 #include <algorithm>
 #include <array>
 
-#include "kiv/Log.h"
 #include "ClassLog.h"
 #include "DestructivePass.h"
 #include "InternalParameters.h"
-#include "libDrive/LibDriveStrings.h"
-#include "libDrive/Parameters.h"
 #include "PassReporting.h"
 #include "PassRules.h"
 #include "PassTiming.h"
+#include "kiv/Log.h"
+#include "libDrive/LibDriveStrings.h"
+#include "libDrive/Parameters.h"
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 
-#include "kiv/Log.h"
 #include "ClassLog.h"
-#include "libDrive/LibDriveStrings.h"
 #include "PassReporting.h"
 #include "PassRules.h"
 #include "PassTiming.h"
-#include "libDrive/RandomSeekDraw.h"
 #include "SectorBuffer.h"
+#include "kiv/Log.h"
+#include "libDrive/LibDriveStrings.h"
+#include "libDrive/RandomSeekDraw.h"
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {

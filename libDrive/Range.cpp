@@ -3,12 +3,12 @@
 #include <cmath>
 #include <limits>
 
+#include "ClassLog.h"
+#include "InternalParameters.h"
 #include "kiv/Exception.h"
 #include "kiv/Log.h"
 #include "kiv/Regex.h"
-#include "ClassLog.h"
 #include "libDrive/Exceptions.h"
-#include "InternalParameters.h"
 #include "libDrive/LibDriveStrings.h"
 #include "libDrive/Parameters.h"
 #include "quel5/DiagModule.h"

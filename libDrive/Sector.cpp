@@ -1,7 +1,7 @@
 #include "libDrive/Sector.h"
 
-#include "kiv/Log.h"
 #include "SectorFault.h"
+#include "kiv/Log.h"
 
 namespace kivrlibdrive {
 

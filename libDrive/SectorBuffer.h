@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <memory>
 
-#include "libDrive/Drive.h"
 #include "PassRules.h"
+#include "libDrive/Drive.h"
 #include "quel5/TestResult.h"
 
 namespace kivrlibdrive {

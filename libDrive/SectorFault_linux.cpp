@@ -1,5 +1,5 @@
-#include "kiv/Exception.h"
 #include "SectorFault.h"
+#include "kiv/Exception.h"
 
 namespace kivrlibdrive {
 

@@ -3,16 +3,16 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "kiv/Log.h"
-#include "kiv/String.h"
 #include "ClassLog.h"
-#include "libDrive/LibDriveStrings.h"
-#include "libDrive/Parameters.h"
 #include "PassReporting.h"
 #include "PassRules.h"
 #include "PassTiming.h"
 #include "SectorBuffer.h"
 #include "SurfaceScanStride.h"
+#include "kiv/Log.h"
+#include "kiv/String.h"
+#include "libDrive/LibDriveStrings.h"
+#include "libDrive/Parameters.h"
 #include "quel5/DiagModule.h"
 
 namespace kivrlibdrive {

@@ -1,7 +1,7 @@
 #include "cli/DriveOpening.h"
 
-#include "drives/BlockDeviceDrive.h"
 #include "cli/SimDeviceText.h"
+#include "drives/BlockDeviceDrive.h"
 #include "kiv/Exception.h"
 #include "sim/SimulatedDrive.h"
 

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <memory>
 
-#include "drives/BlockDeviceDrive.h"
 #include "checksum/ChecksumFileMaker.h"
 #include "checksum/ChecksumSetup.h"
 #include "cli/CommandLine.h"
@@ -20,6 +19,7 @@
 #include "cli/UndoLocation.h"
 #include "cli/UndoRestore.h"
 #include "cli/UndoRun.h"
+#include "drives/BlockDeviceDrive.h"
 #include "kiv/Exception.h"
 #include "libDrive/LibDrive.h"
 #include "quel5/Host.h"

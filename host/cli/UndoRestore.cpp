@@ -5,10 +5,10 @@
 #include <fstream>
 #include <vector>
 
-#include "drives/BlockDeviceDrive.h"
 #include "cli/ExitCodes.h"
 #include "cli/Json.h"
 #include "cli/LibraryRegistration.h"
+#include "drives/BlockDeviceDrive.h"
 #include "drives/UndoJournalFormat.h"
 #include "drives/Utf8Path.h"
 

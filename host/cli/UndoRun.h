@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "drives/BlockDeviceDrive.h"
 #include "cli/Drivediag.h"
+#include "drives/BlockDeviceDrive.h"
 #include "drives/UndoJournal.h"
 
 namespace host {

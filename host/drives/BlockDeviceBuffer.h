@@ -20,7 +20,7 @@ public:
         if (data_ == nullptr || bytes > size_ || alignment > alignment_) {
             release();
             data_ =
-                static_cast<unsigned char*>(::operator new(bytes, std::align_val_t{alignment}));
+                static_cast<unsigned char*>(::operator new (bytes, std::align_val_t{alignment}));
             size_ = bytes;
             alignment_ = alignment;
         }
@@ -29,7 +29,7 @@ public:
 
     void release() {
         if (data_ != nullptr) {
-            ::operator delete(data_, std::align_val_t{alignment_});
+            ::operator delete (data_, std::align_val_t{alignment_});
         }
         data_ = nullptr;
         size_ = 0;

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
-#include "os/Clock.h"
 #include "Bytes.h"
 #include "Commands.h"
 #include "ModePages.h"
+#include "os/Clock.h"
 #include "sim/mmc/Opcodes.h"
 
 namespace sim::mmc {

@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <cwchar>
 
-#include "os/Utf8.h"
 #include "kiv/CString.h"
+#include "os/Utf8.h"
 
 namespace kiv {
 namespace {

@@ -85,9 +85,9 @@ struct GeometryResult {
 
 // The geometry of an open device. Block devices and physical drives report what the system
 // says, their size as the system's length query gives it (on Windows a volume such as \\.\E:
-// is its own length, not its disk's); where the system has no cylinder/head/sector view (regular files, most virtual disks)
-// the answer uses 512-byte sectors (or the device's logical sector size), 255 tracks per
-// cylinder and 63 sectors per track, and cylinders = whole sectors / (255 x 63).
+// is its own length, not its disk's). Where the system has no cylinder/head/sector view (regular
+// files, most virtual disks) the answer uses 512-byte sectors (or the device's logical sector
+// size), 255 tracks per cylinder and 63 sectors per track, and cylinders = sectors / (255 x 63).
 OS_API GeometryResult queryDiskGeometry(NativeHandle handle);
 inline GeometryResult queryDiskGeometry(const DeviceHandle& handle) {
     return queryDiskGeometry(handle.native());

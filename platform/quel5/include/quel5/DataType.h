@@ -8,7 +8,17 @@ namespace quel5 {
 
 class DataType {
 public:
-    enum class Kind { NONE, UINT32, UINT64, INT64, PERCENT, BOOLEAN, STRING, UINT32_ARRAY, STRING_ARRAY };
+    enum class Kind {
+        NONE,
+        UINT32,
+        UINT64,
+        INT64,
+        PERCENT,
+        BOOLEAN,
+        STRING,
+        UINT32_ARRAY,
+        STRING_ARRAY
+    };
 
     constexpr DataType() = default;
     constexpr explicit DataType(Kind kind) : kind_(kind) {}

@@ -17,8 +17,14 @@ struct MessageBox2_Options {
 
 // Common answer codes.
 enum MessageBox2_Answer : int {
-    MB2_NONE = 0, MB2_OK = 1, MB2_CANCEL = 2, MB2_ABORT = 3, MB2_RETRY = 4, MB2_IGNORE = 5,
-    MB2_YES = 6, MB2_NO = 7
+    MB2_NONE = 0,
+    MB2_OK = 1,
+    MB2_CANCEL = 2,
+    MB2_ABORT = 3,
+    MB2_RETRY = 4,
+    MB2_IGNORE = 5,
+    MB2_YES = 6,
+    MB2_NO = 7
 };
 
 class QUEL5_API MessageBox2 {

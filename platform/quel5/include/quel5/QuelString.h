@@ -9,8 +9,8 @@
 class QUEL5_API QuelString {
 public:
     QuelString() = default;
-    QuelString(const wchar_t* text) : text_(text) {}           // NOLINT
-    QuelString(const kiv::String& text) : text_(text) {}       // NOLINT
+    QuelString(const wchar_t* text) : text_(text) {}                                  // NOLINT
+    QuelString(const kiv::String& text) : text_(text) {}                              // NOLINT
     QuelString(const char* utf8) : text_(kiv::String::fromUtf8(utf8 ? utf8 : "")) {}  // NOLINT
 
     const kiv::String& kivString() const { return text_; }

@@ -8,8 +8,19 @@ namespace quel5 {
 class TestResult {
 public:
     enum class Code {
-        PASS, FAIL, WARN, BADPARAMS, USERABORTED, INTERNALERROR, NODEVICE, NOTSUPPORTED,
-        DEVICEBUSY, CANNOTRUN, TIMEDOUT, INCORRECTMEDIA, NOMEDIA
+        PASS,
+        FAIL,
+        WARN,
+        BADPARAMS,
+        USERABORTED,
+        INTERNALERROR,
+        NODEVICE,
+        NOTSUPPORTED,
+        DEVICEBUSY,
+        CANNOTRUN,
+        TIMEDOUT,
+        INCORRECTMEDIA,
+        NOMEDIA
     };
 
     constexpr TestResult() = default;  // PASS
@@ -25,8 +36,9 @@ public:
     // "PASS", "FAIL", ...: the value's own name.
     constexpr std::string_view name() const {
         constexpr std::string_view names[] = {
-            "PASS", "FAIL", "WARN", "BADPARAMS", "USERABORTED", "INTERNALERROR", "NODEVICE",
-            "NOTSUPPORTED", "DEVICEBUSY", "CANNOTRUN", "TIMEDOUT", "INCORRECTMEDIA", "NOMEDIA"};
+            "PASS",          "FAIL",           "WARN",         "BADPARAMS",  "USERABORTED",
+            "INTERNALERROR", "NODEVICE",       "NOTSUPPORTED", "DEVICEBUSY", "CANNOTRUN",
+            "TIMEDOUT",      "INCORRECTMEDIA", "NOMEDIA"};
         return names[static_cast<int>(code_)];
     }
 

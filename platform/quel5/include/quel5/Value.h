@@ -15,17 +15,17 @@ namespace quel5 {
 
 class QUEL5_API Value {
 public:
-    Value() = default;  // kind NONE
-    Value(int v);                  // NOLINT: integers convert implicitly
-    Value(unsigned int v);         // NOLINT
-    Value(long v);                 // NOLINT
-    Value(unsigned long v);        // NOLINT
-    Value(long long v);            // NOLINT
-    Value(unsigned long long v);   // NOLINT
-    Value(const QuelString& text);  // NOLINT
+    Value() = default;               // kind NONE
+    Value(int v);                    // NOLINT: integers convert implicitly
+    Value(unsigned int v);           // NOLINT
+    Value(long v);                   // NOLINT
+    Value(unsigned long v);          // NOLINT
+    Value(long long v);              // NOLINT
+    Value(unsigned long long v);     // NOLINT
+    Value(const QuelString& text);   // NOLINT
     Value(const kiv::String& text);  // NOLINT
-    Value(const wchar_t* text);     // NOLINT
-    Value(const char* utf8);        // NOLINT
+    Value(const wchar_t* text);      // NOLINT
+    Value(const char* utf8);         // NOLINT
 
     static Value percent(double percent);  // 0..100
     static Value boolean(bool value);
