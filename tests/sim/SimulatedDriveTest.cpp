@@ -56,7 +56,6 @@ struct Fixture {
     sim::SimulatedDrive drive;
 };
 
-// Spans of one fault merge when they overlap or touch, and answer exactly at their edges.
 TEST(SectorFaults, SpansMergeAndAnswerAtTheirEdges) {
     constexpr uint64_t kLast = std::numeric_limits<uint64_t>::max();
     const struct {
@@ -92,7 +91,6 @@ TEST(SectorFaults, SpansMergeAndAnswerAtTheirEdges) {
     }
 }
 
-// The lowest failing sector of a read decides between FAIL and INTERNALERROR.
 TEST(SectorFaults, LowestFailingSectorOfASpanDecidesTheReadResult) {
     sim::SectorFaults faults;
     faults.addSpan(100, 50, SectorFault::ReadFails);
