@@ -49,7 +49,9 @@ TEST(DestructiveGuard, WritingTestsNeedTheirFlag) {
     } cases[] = {
         {{"run", "pattern", "--device", "sim:1MiB"}, 64, "add --destructive"},
         {{"run", "cache", "--device", "sim:32MiB"}, 64, "cache test overwrites sectors"},
-        {{"run", "pattern", "--device", "sim:1MiB", "--destructive", "--set", "NumberOfSeeks=50"}, 0, ""},
+        {{"run", "pattern", "--device", "sim:1MiB", "--destructive", "--set", "NumberOfSeeks=50"},
+         0,
+         ""},
         {{"run", "cache", "--device", "sim:8MiB", "--destructive"}, 3, ""},
         {{"tests", "--destructive"}, 64, "belongs to the run command"},
     };
