@@ -112,23 +112,6 @@ TEST(CatalogueTest, EveryLocalizedStringHasATextShowingOnlyItsVariables) {
     checkCatalogue(kLibraryStringKeys, host::stringCatalogue(), host::stringText, kStringVariables);
 }
 
-TEST(CatalogueTest, TextsTheTestsShowMostNameTheirNumbers) {
-    // The texts a hard-drive run shows in nearly every session carry the numbers that matter.
-    const struct {
-        std::string_view text;
-        std::vector<std::string> placeholders;
-    } cases[] = {
-        {host::stringText("READ_SECTOR"), {"ReadSector", "EndSector"}},
-        {host::eventText("MAX_ERRORS_EXCEEDED"), {"MaxError"}},
-        {host::eventText("TEST_PASSED_WITH_ERRORS"), {"percent", "threshold_percent"}},
-        {host::eventText("InvalidRangeEntry"), {"PARAMETER_NAME"}},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
-        EXPECT_EQ(host::placeholderNames(c.text), c.placeholders);
-    }
-}
-
 TEST(PlaceholdersTest, FillsNamedVariablesAndKeepsWhatItCannotFill) {
     const quel5::Variables variables = {
         {"ReadSector", quel5::Value(1234u)},

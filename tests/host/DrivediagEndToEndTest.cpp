@@ -36,8 +36,6 @@ TEST_F(DrivediagEndToEndTest, ResultsAndExitCodesOfRunsOnSimulatedDrives) {
     } cases[] = {
         {"clean drive", {"--device", "sim:1000s"}, "PASS", 0, {}},
         {"one bad sector read", {"--device", "sim:1000s,bad=500"}, "FAIL", 1, {}},
-        {"bad sector between the reads", {"--device", "sim:1000s,bad=505+5"}, "PASS", 0, {}},
-        {"last sector read is bad", {"--device", "sim:1000s,bad=990"}, "FAIL", 1, {}},
         {"under the error percentage",
          {"--device", "sim:1000s,bad=500", "--set", "MinErrorPercentage=5"},
          "PASS",
@@ -86,8 +84,9 @@ TEST_F(DrivediagEndToEndTest, ResultsAndExitCodesOfRunsOnSimulatedDrives) {
     }
 }
 
-// Texts that once crashed drivediag (tens of thousands of characters) or wrapped to a small
-// range (sizes past 64 bits) end as bad parameters before any sector is read.
+// A text that once crashed drivediag (tens of thousands of characters) and one that wrapped to a
+// small range (a size past 64 bits) end as bad parameters before any sector is read; the other
+// such texts are the range tests' own.
 TEST_F(DrivediagEndToEndTest, LongAndOverflowingRangeTextsAreBadParameters) {
     const struct {
         const char* name;
@@ -95,11 +94,7 @@ TEST_F(DrivediagEndToEndTest, LongAndOverflowingRangeTextsAreBadParameters) {
         const char* eventKey;
     } cases[] = {
         {"30000 digits", "StartRange=" + std::string(30000, '1'), "InvalidRangeEntry"},
-        {"MIN, 60000 blanks, +1", "StartRange=MIN" + std::string(60000, ' ') + "+1",
-         "InvalidRangeEntry"},
-        {"60000 digits and %", "EndRange=" + std::string(60000, '5') + "%", "InvalidRangeEntry"},
         {"GB past 64 bits", "EndRange=17179869185GB", "END_RANGE_GREATER_THAN_START_RANGE"},
-        {"MB past 64 bits", "EndRange=18014398509481985MB", "END_RANGE_GREATER_THAN_START_RANGE"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -211,12 +206,8 @@ TEST_F(DrivediagEndToEndTest, BadCommandLinesGiveAClearErrorAndTheUsageCode) {
     } cases[] = {
         {{"run", "linear-seek", "--set", "Bogus=1"}, 64, "unknown parameter \"Bogus\""},
         {{"run", "linear-seek", "--set", "MaxErrors=abc"}, 64, "bad value \"abc\" for MaxErrors"},
-        {{"run", "linear-seek", "--set", "MaxErrors=-1"}, 64, "for MaxErrors"},
-        {{"run", "linear-seek", "--set", "SectorPercentToTest=0"}, 64, "for SectorPercentToTest"},
         {{"run", "linear-seek", "--set", "SectorPercentToTest=101"}, 64, "for SectorPercentToTest"},
-        {{"run", "linear-seek", "--set", "PreserveData=maybe"}, 64, "for PreserveData"},
         {{"run", "linear-seek", "--device", "sim:1XB"}, 64, "is not a size"},
-        {{"run", "linear-seek", "--device", "sim:1MiB,bad=2048"}, 64, "lies beyond"},
         {{"run", "linear-seek", "--device", ""}, 64, "device text is empty"},
         {{"run", "no-such-test"}, 64, "unknown test \"no-such-test\" (tests: linear-seek"},
         {{"run", "linear-seek", "--frobnicate"}, 64, "unknown option --frobnicate"},

@@ -9,8 +9,8 @@
 #include "cli/LogSession.h"
 #include "kiv/Log.h"
 #include "scsi/UnitCommands.h"
-#include "support/ScopedVirtualClock.h"
 #include "support/RecordingTarget.h"
+#include "support/ScopedVirtualClock.h"
 
 namespace {
 

@@ -39,11 +39,21 @@ const std::vector<Layer>& layerTable() {
 // published headers, then the internal ones its tests reach. Never the tree's root.
 const std::vector<std::string>& includeRoots() {
     static const std::vector<std::string> roots = {
-        "platform/os/include",     "platform/kiv/include",  "platform/quel5/include",
-        "platform/storage/include", "platform/scsi/include", "libDrive/include",
-        "sim/include",             "sim/mmc/include",       "host",
-        "tests",                   "platform/os/src",       "platform/kiv/src",
-        "platform/quel5/src",      "platform/storage/src",  "platform/scsi/src",
+        "platform/os/include",
+        "platform/kiv/include",
+        "platform/quel5/include",
+        "platform/storage/include",
+        "platform/scsi/include",
+        "libDrive/include",
+        "sim/include",
+        "sim/mmc/include",
+        "host",
+        "tests",
+        "platform/os/src",
+        "platform/kiv/src",
+        "platform/quel5/src",
+        "platform/storage/src",
+        "platform/scsi/src",
         "libDrive",
     };
     return roots;
@@ -156,8 +166,8 @@ std::vector<std::vector<Token>> callsOf(const std::vector<std::string>& lines,
         if (current == nullptr) {
             const size_t at = rest.find(command + "(");
             if (at == std::string::npos ||
-                (at > 0 && (std::isalnum(static_cast<unsigned char>(rest[at - 1])) ||
-                            rest[at - 1] == '_'))) {
+                (at > 0 &&
+                 (std::isalnum(static_cast<unsigned char>(rest[at - 1])) || rest[at - 1] == '_'))) {
                 continue;
             }
             calls.emplace_back();
@@ -213,8 +223,8 @@ void checkLinks(const fs::path& root, const fs::path& file,
         const auto target = targets.find(token.word);
         if (target == targets.end()) continue;  // keywords, system and third-party libraries
         if (!mayDependOn(from, target->second)) {
-            out.push_back({path, token.line,
-                           from + " may not link " + target->second + "'s " + token.word});
+            out.push_back(
+                {path, token.line, from + " may not link " + target->second + "'s " + token.word});
         }
     }
 }

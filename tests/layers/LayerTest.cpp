@@ -19,9 +19,8 @@ class LayerTreeTest : public ::testing::Test {
 protected:
     void SetUp() override {
         root_ = fs::temp_directory_path() /
-                ("layers-" + std::string(::testing::UnitTest::GetInstance()
-                                             ->current_test_info()
-                                             ->name()));
+                ("layers-" +
+                 std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
         fs::remove_all(root_);
         write({{"host/cli/TextHost.h", ""},
                {"libDrive/include/libDrive/Drive.h", ""},
@@ -64,28 +63,40 @@ TEST_F(LayerTreeTest, EachForbiddenArrowIsReportedAtItsFileAndLine) {
         {"an include of a header that no layer has",
          {{"libDrive/Drive.cpp", "// first\n\n#include \"host/TextHost.h\"\n"}},
          {"libDrive/Drive.cpp:3"}},
-        {"the SCSI library logs through kiv", {{"platform/scsi/src/Trace.cpp", "#include \"kiv/Log.h\"\n"}},
+        {"the SCSI library logs through kiv",
+         {{"platform/scsi/src/Trace.cpp", "#include \"kiv/Log.h\"\n"}},
          {"platform/scsi/src/Trace.cpp:1"}},
         {"the simulator reaches the library's internal header",
-         {{"sim/SimulatedDrive.cpp", "#include \"sim/SimulatedDrive.h\"\n#include \"PassTiming.h\"\n"}},
+         {{"sim/SimulatedDrive.cpp",
+           "#include \"sim/SimulatedDrive.h\"\n#include \"PassTiming.h\"\n"}},
          {"sim/SimulatedDrive.cpp:2"}},
         {"the library links the simulator",
          {{"libDrive/CMakeLists.txt",
-           "add_library(libDrive SHARED Drive.cpp)\ntarget_link_libraries(libDrive\n  PUBLIC os # the clock\n  sim)\n"},
+           "add_library(libDrive SHARED Drive.cpp)\ntarget_link_libraries(libDrive\n  PUBLIC os # "
+           "the clock\n  sim)\n"},
           {"sim/CMakeLists.txt", "add_library(sim STATIC SimulatedDrive.cpp)\n"},
           {"platform/os/CMakeLists.txt", "libdrive_shared_library(os OS os Clock.cpp)\n"}},
          {"libDrive/CMakeLists.txt:4"}},
         {"a test program links a library whose layer is above it",
-         {{"platform/kiv/CMakeLists.txt", "libdrive_test(kiv_tests SOURCES A.cpp LIBS kiv drivediag_core)\n"},
+         {{"platform/kiv/CMakeLists.txt",
+           "libdrive_test(kiv_tests SOURCES A.cpp LIBS kiv drivediag_core)\n"},
           {"host/CMakeLists.txt", "add_library(drivediag_core STATIC Main.cpp)\n"}},
          {"platform/kiv/CMakeLists.txt:1"}},
         {"allowed arrows, the library's own internal header and a test reaching one",
-         {{"libDrive/Range.cpp", "#include \"PassTiming.h\"\n#include \"kiv/Log.h\"\n#include <vector>\n"},
-          {"platform/quel5/src/Value.cpp", "#include \"os/Clock.h\"\n#include \"quel5/Export.h\"\n"},
-          {"host/cli/TextHost.cpp", "#include \"cli/TextHost.h\"\n#include \"sim/SimulatedDrive.h\"\n"},
-          {"tests/libDrive/PassTimingTest.cpp", "#include \"PassTiming.h\"\n#include \"cli/TextHost.h\"\n"},
-          {"sim/CMakeLists.txt", "add_library(sim STATIC S.cpp)\ntarget_link_libraries(sim PUBLIC libDrive Threads::Threads)\n"},
-          {"libDrive/CMakeLists.txt", "libdrive_shared_library(libDrive LIBDRIVE libDrive D.cpp)\nlibdrive_internal_library(libDrive x P.cpp)\n"},
+         {{"libDrive/Range.cpp",
+           "#include \"PassTiming.h\"\n#include \"kiv/Log.h\"\n#include <vector>\n"},
+          {"platform/quel5/src/Value.cpp",
+           "#include \"os/Clock.h\"\n#include \"quel5/Export.h\"\n"},
+          {"host/cli/TextHost.cpp",
+           "#include \"cli/TextHost.h\"\n#include \"sim/SimulatedDrive.h\"\n"},
+          {"tests/libDrive/PassTimingTest.cpp",
+           "#include \"PassTiming.h\"\n#include \"cli/TextHost.h\"\n"},
+          {"sim/CMakeLists.txt",
+           "add_library(sim STATIC S.cpp)\ntarget_link_libraries(sim PUBLIC libDrive "
+           "Threads::Threads)\n"},
+          {"libDrive/CMakeLists.txt",
+           "libdrive_shared_library(libDrive LIBDRIVE libDrive "
+           "D.cpp)\nlibdrive_internal_library(libDrive x P.cpp)\n"},
           {"tests/CMakeLists.txt", "libdrive_test(t SOURCES a.cpp LIBS libDrive_internal sim)\n"}},
          {}},
     };

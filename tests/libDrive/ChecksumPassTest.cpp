@@ -11,6 +11,7 @@
 #include "DriveTestSupport.h"
 #include "kiv/KIVMD5.h"
 #include "libDrive/ChecksumTest.h"
+#include "support/TempFile.h"
 
 namespace {
 
@@ -77,17 +78,7 @@ public:
 
 protected:
     ChecksumPass() {
-        root_ = fs::temp_directory_path() /
-                ("libdrive-checksum-" +
-                 std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "-" +
-                 ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(root_);
-        fs::create_directories(root_);
         device_.setText(L"DriverName", kiv::String(L"\\\\.\\") + kiv::String(root_.wstring()));
-    }
-    ~ChecksumPass() override {
-        std::error_code ignored;
-        fs::remove_all(root_, ignored);
     }
 
     void clear() {
@@ -118,8 +109,9 @@ protected:
         return lines;
     }
 
+    testsupport::TempDirectory medium_{"checksum-medium"};
+    const fs::path root_ = medium_.path();
     quel5::DiagDevice device_{L"sim:medium"};
-    fs::path root_;
 };
 
 struct FileCase {

@@ -11,7 +11,6 @@
 
 #include "kiv/Log.h"
 #include "libDrive/Drive.h"
-#include "sim/SimulatedDrive.h"
 #include "support/RecordingHost.h"
 
 namespace {
@@ -128,22 +127,6 @@ void expectDeviceBusyRaisedOnce(const testsupport::RecordingHost& host) {
     EXPECT_EQ(events[0].severity, quel5::Severity::ERROR);
     EXPECT_EQ(events[0].source, "libDrive/Drive");
     EXPECT_GT(events[0].line, 0);
-}
-
-TEST(DriveBase, RefusedLockRaisesDeviceBusyAsAnError) {
-    testsupport::RecordingHost host;
-    testsupport::ScopedHost installed(host);
-    const quel5::DiagDevice device(L"sim:busy");
-    sim::SimulatedDriveConfig config;
-    config.totalSectors = 100;
-    sim::SimulatedDrive drive(device, config);
-
-    EXPECT_EQ(drive.lock(), TestResult::PASS);
-    EXPECT_TRUE(host.events().empty());
-
-    drive.switches().lockFails = true;
-    EXPECT_EQ(drive.lock(), TestResult::DEVICEBUSY);
-    expectDeviceBusyRaisedOnce(host);
 }
 
 TEST(DriveBase, VolumeLocksAreExclusiveUntilUnlocked) {

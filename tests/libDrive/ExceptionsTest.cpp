@@ -1,10 +1,9 @@
-// The library's exception types: their messages, the numbers they carry, and that a catcher
-// by type sees exactly its own class.
+// The library's exception types: their messages, and that a catcher by type sees exactly its
+// own class.
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "libDrive/Exceptions.h"
@@ -107,63 +106,6 @@ TEST(Exceptions, EachCatcherCatchesOnlyItsOwnClass) {
         std::vector<bool> expected(std::size(kTextThrowers), false);
         expected[i] = true;
         EXPECT_EQ(catchersThatCatch(AllExceptions{}, kTextThrowers[i].raise), expected);
-    }
-}
-
-struct CodedRow {
-    const char* name;
-    // Builds the exception from numbers and answers its message and accessor values in order.
-    std::function<std::pair<kiv::String, std::vector<uint64_t>>()> build;
-    std::vector<uint64_t> expected;
-};
-
-template <typename T>
-std::pair<kiv::String, std::vector<uint64_t>> statusOf(unsigned int status) {
-    const T built(status);
-    const T copy(built);  // the numbers travel with copies, as catchers receive them
-    return {copy.getMessage(), {copy.getStatus()}};
-}
-
-TEST(Exceptions, CodeConstructorsKeepTheirNumbersAndLeaveTheMessageEmpty) {
-    const CodedRow rows[] = {
-        {"EjectError", [] { return statusOf<EjectError>(0x1234); }, {0x1234}},
-        {"TestFailedException", [] { return statusOf<TestFailedException>(0xAB01); }, {0xAB01}},
-        {"FailedRetrivingATIPInfo", [] { return statusOf<FailedRetrivingATIPInfo>(7); }, {7}},
-        {"FailedClosingTrack",
-         [] { return statusOf<FailedClosingTrack>(0xFFFFFFFF); },
-         {0xFFFFFFFF}},
-        {"FailedClosingSession", [] { return statusOf<FailedClosingSession>(0x2400); }, {0x2400}},
-        {"FailedStoppingBGFormat", [] { return statusOf<FailedStoppingBGFormat>(1); }, {1}},
-        {"FailedGettingCurrentProfile",
-         [] { return statusOf<FailedGettingCurrentProfile>(0); },
-         {0}},
-        {"FailedSettingDriveSpeed",
-         [] {
-             const FailedSettingDriveSpeed e(24, 16);
-             return std::pair{e.getMessage(),
-                              std::vector<uint64_t>{e.getDesiredSpeed(), e.getActualSpeed()}};
-         },
-         {24, 16}},
-        {"ReadFailedException",
-         [] {
-             const ReadFailedException e(0x100000000ull, 5);
-             return std::pair{e.getMessage(),
-                              std::vector<uint64_t>{e.getSectorNumber(), e.getErrorCode()}};
-         },
-         {0x100000000ull, 5}},
-        {"WriteFailedException",
-         [] {
-             const WriteFailedException e(0xFFFFFFFFFFFFFFFFull, 0x3100);
-             return std::pair{e.getMessage(),
-                              std::vector<uint64_t>{e.getSectorNumber(), e.getErrorCode()}};
-         },
-         {0xFFFFFFFFFFFFFFFFull, 0x3100}},
-    };
-    for (const CodedRow& row : rows) {
-        SCOPED_TRACE(row.name);
-        const auto [message, numbers] = row.build();
-        EXPECT_TRUE(message.isEmpty());
-        EXPECT_EQ(numbers, row.expected);
     }
 }
 

@@ -218,20 +218,10 @@ TEST_F(FunnelSeek, StopRequestsAreSeenAtReports) {
     } cases[] = {
         {"first report", 0, {}, {}, TestResult::USERABORTED, 52, 52},
         {"past half-way", 30, {}, {}, TestResult::USERABORTED, 31 * 51 + 1, 31 * 51 + 2},
-        {"with an error and no minimum",
-         0,
-         {2999},
-         {{"MaxErrors", "10"}},
-         TestResult::FAIL,
-         52,
-         52},
-        {"with an error under a minimum",
-         0,
-         {2999},
-         {{"MaxErrors", "10"}, {"MinErrorPercentage", "5"}},
-         TestResult::USERABORTED,
-         52,
-         52},
+        // clang-format off
+        {"with an error and no minimum", 0, {2999}, {{"MaxErrors", "10"}}, TestResult::FAIL, 52, 52},
+        {"with an error under a minimum", 0, {2999}, {{"MaxErrors", "10"}, {"MinErrorPercentage", "5"}}, TestResult::USERABORTED, 52, 52},
+        // clang-format on
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "DriveTestSupport.h"
+#include "ReadOnlyTestSupport.h"
 #include "libDrive/LinearSeekTest.h"
 #include "support/ErrorCases.h"
 
@@ -23,18 +23,10 @@ using drivetests::driveOf;
 using drivetests::stepsFrom;
 using quel5::TestResult;
 
-using Parameters = std::vector<std::pair<const char*, const char*>>;
+using drivetests::Parameters;
 
-class LinearSeek : public drivetests::DriveTestFixture {
+class LinearSeek : public drivetests::ReadOnlyFixture<kivrlibdrive::CLinearSeekTest> {
 protected:
-    void setAll(const Parameters& parameters) {
-        for (const auto& [key, text] : parameters) set(key, text);
-    }
-    TestResult run(kivrlibdrive::Drive& drive) {
-        kivrlibdrive::CLinearSeekTest test(drive);
-        return test.Run();
-    }
-
     quel5::DiagDevice device{L"sim:linear"};
 };
 
@@ -71,9 +63,7 @@ TEST_F(LinearSeek, ReadsOneSectorAtEveryJumpFromStartToEnd) {
     // clang-format on
     for (const WalkCase& c : cases) {
         SCOPED_TRACE(c.name);
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        setAll(c.parameters);
+        reset(c.parameters);
         CallRecordingDrive drive(device, driveOf(c.total, 4096));
 
         EXPECT_EQ(run(drive), TestResult::PASS);
@@ -146,9 +136,7 @@ TEST_F(LinearSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
     // clang-format on
     for (const ExitCase& c : cases) {
         SCOPED_TRACE(c.name);
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        setAll(c.parameters);
+        reset(c.parameters);
         CallRecordingDrive drive(device, driveOf(c.total, c.bytesPerSector));
         c.arrange(drive);
 
@@ -195,11 +183,8 @@ TEST_F(LinearSeek, ErrorRulesInPlace) {
     };
     // clang-format on
     runErrorCases(cases, host, [&](const ErrorCase& c) {
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        set("EndRange", "100");
-        set("NumberOfSeeks", "100");
-        setAll(c.parameters);
+        reset({{"EndRange", "100"}, {"NumberOfSeeks", "100"}});
+        for (const auto& [key, text] : c.parameters) set(key, text);
         CallRecordingDrive drive(device, driveOf(1000));
         for (const uint64_t sector : c.failing)
             drive.injectFault(sector, sim::SectorFault::ReadFails);
@@ -230,11 +215,7 @@ TEST_F(LinearSeek, PassedWithErrorsCountsAgainstThePlannedReads) {
 TEST_F(LinearSeek, ReportsAboutOnceASecondWithALowEarlyEstimate) {
     for (const bool estimates : {false, true}) {
         SCOPED_TRACE(estimates ? "drive wants estimates" : "no estimates");
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        clearLog();
-        set("EndRange", "3000");
-        set("NumberOfSeeks", "3000");
+        reset({{"EndRange", "3000"}, {"NumberOfSeeks", "3000"}});
         // Each read takes 10 ms, so a report falls due every 101 reads.
         CallRecordingDrive drive(device, driveOf(3000, 512, 10));
         drive.switches().provideEstimatedTime = estimates;
@@ -321,11 +302,8 @@ TEST_F(LinearSeek, StopRequestsAreSeenAtReports) {
     // clang-format on
     for (const StopCase& c : cases) {
         SCOPED_TRACE(c.name);
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        set("EndRange", "3000");
-        set("NumberOfSeeks", "3000");
-        setAll(c.limits);
+        reset({{"EndRange", "3000"}, {"NumberOfSeeks", "3000"}});
+        for (const auto& [key, text] : c.limits) set(key, text);
         host.stopAfterPolls(c.pollsBeforeStop);
         CallRecordingDrive drive(device, driveOf(3000, 512, 10));
         for (const uint64_t sector : c.failing)
@@ -366,10 +344,7 @@ TEST_F(LinearSeek, OneRerunAfterAFailureAndThePassResultOfTheDrive) {
     // clang-format on
     for (const RerunCase& c : cases) {
         SCOPED_TRACE(c.name);
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        set("EndRange", "10");
-        set("NumberOfSeeks", "10");
+        reset({{"EndRange", "10"}, {"NumberOfSeeks", "10"}});
         CallRecordingDrive drive(device, driveOf(100));
         if (c.failing) drive.injectFault(4, sim::SectorFault::ReadFails);
         drive.switches().rerunAllowed = c.allowed;

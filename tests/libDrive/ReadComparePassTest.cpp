@@ -339,37 +339,18 @@ TEST_F(ReadCompare, EveryWayOutOfAPassUnlocksTheTrayOnce) {
         unsigned passes;
         std::vector<std::string> events;  // "KEY@line", from libDrive/LinearReadCompareTest
     } cases[] = {
-        {"no handle",
-         512,
-         {},
-         [](CallRecordingDrive& d) { d.switches().invalidHandle = true; },
-         TestResult::NODEVICE,
-         0,
-         {}},
-        {"media check fails",
-         512,
-         {},
+        // clang-format off
+        {"no handle", 512, {}, [](CallRecordingDrive& d) { d.switches().invalidHandle = true; },
+         TestResult::NODEVICE, 0, {}},
+        {"media check fails", 512, {},
          [](CallRecordingDrive& d) {
              d.switches().needsMediaCheck = true;
              d.switches().checkMediaResult = TestResult::NOMEDIA;
          },
-         TestResult::NOMEDIA,
-         1,
-         {}},
-        {"empty range",
-         512,
-         DirectRange{30, 30},
-         [](CallRecordingDrive&) {},
-         TestResult::BADPARAMS,
-         1,
-         {"TOTAL_SECTOR_GREATER_THAN_ZERO@132"}},
-        {"sector size 0",
-         0,
-         {},
-         [](CallRecordingDrive&) {},
-         TestResult::INTERNALERROR,
-         1,
-         {"INVALID_BUFFER_SIZE@149"}},
+         TestResult::NOMEDIA, 1, {}},
+        {"empty range", 512, DirectRange{30, 30}, [](CallRecordingDrive&) {}, TestResult::BADPARAMS, 1, {"TOTAL_SECTOR_GREATER_THAN_ZERO@132"}},
+        {"sector size 0", 0, {}, [](CallRecordingDrive&) {}, TestResult::INTERNALERROR, 1, {"INVALID_BUFFER_SIZE@149"}},
+        // clang-format on
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);

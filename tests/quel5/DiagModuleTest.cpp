@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "quel5/DiagModule.h"
@@ -100,36 +99,6 @@ TEST(DiagModuleTest, WithoutAHostNothingIsDeliveredAndStopIsNeverRequested) {
     EXPECT_EQ(quel5::installedHost(), nullptr);
 }
 
-TEST(DiagModuleTest, StopScriptsAnswerPolls) {
-    struct Case {
-        const char* what;
-        int afterPolls;  // -1: stop once the last percent reaches 50
-        std::vector<bool> answers;
-    };
-    const Case cases[] = {
-        {"never", -2, {false, false, false}},
-        {"at once", 0, {true, true}},
-        {"after two", 2, {false, false, true, true}},
-        {"predicate", -1, {false, false, true, true}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.what);
-        RecordingHost host;
-        ScopedHost installed(host);
-        if (c.afterPolls >= 0) host.stopAfterPolls(static_cast<unsigned int>(c.afterPolls));
-        if (c.afterPolls == -1) {
-            host.stopWhen([](const RecordingHost& h) { return h.lastPercent().value_or(0) >= 50; });
-        }
-        std::vector<bool> answers;
-        for (unsigned int i = 0; i < c.answers.size(); ++i) {
-            DiagModule::percentDone(i * 25);
-            answers.push_back(DiagModule::checkForStop());
-        }
-        EXPECT_EQ(answers, c.answers);
-        EXPECT_EQ(host.stopPolls(), c.answers.size());
-    }
-}
-
 TEST(DiagModuleTest, MessageBoxesTakeTheirAnswersFromTheHost) {
     RecordingHost host;
     ScopedHost installed(host);
@@ -181,45 +150,6 @@ TEST(DiagModuleTest, CancellingADisplayedBoxTellsTheHost) {
     const auto cancels = host.all<testsupport::MessageBoxCancelReport>();
     ASSERT_EQ(cancels.size(), 1u);
     EXPECT_EQ(cancels[0].message, "Erase?");
-}
-
-TEST(DiagModuleTest, ReportsFromTwoThreadsAllArriveInEachThreadsOrder) {
-    RecordingHost host;
-    ScopedHost installed(host);
-    constexpr unsigned int kReports = 2000;
-    std::thread worker([] {
-        for (unsigned int i = 0; i < kReports; ++i) DiagModule::percentDone(i);
-    });
-    for (unsigned int i = 0; i < kReports; ++i) DiagModule::estimatedTimeLeft(i);
-    worker.join();
-    const std::vector<unsigned int> percents = host.percents();
-    const std::vector<unsigned int> timesLeft = host.timesLeft();
-    ASSERT_EQ(percents.size(), kReports);
-    ASSERT_EQ(timesLeft.size(), kReports);
-    for (unsigned int i = 0; i < kReports; ++i) {
-        ASSERT_EQ(percents[i], i);
-        ASSERT_EQ(timesLeft[i], i);
-    }
-}
-
-TEST(DiagModuleTest, ScopedHostRestoresThePreviousHostAndClearsParameters) {
-    quel5::Parameter* parameter =
-        DiagModule::createParameter("Scoped_Param", quel5::DataType::UINT32, "", false, false);
-    RecordingHost outer;
-    RecordingHost inner;
-    ScopedHost outerScope(outer);
-    ASSERT_TRUE(parameter->setFromText(L"3", nullptr));
-    {
-        ScopedHost innerScope(inner);
-        EXPECT_FALSE(parameter->isset());
-        ASSERT_TRUE(parameter->setFromText(L"4", nullptr));
-        DiagModule::percentDone(1);
-    }
-    EXPECT_FALSE(parameter->isset());
-    EXPECT_EQ(quel5::installedHost(), &outer);
-    DiagModule::percentDone(2);
-    EXPECT_EQ(inner.percents(), std::vector<unsigned int>{1});
-    EXPECT_EQ(outer.percents(), std::vector<unsigned int>{2});
 }
 
 }  // namespace

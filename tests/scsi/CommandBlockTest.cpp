@@ -27,6 +27,7 @@ struct CommandCase {
 };
 
 TEST(CommandBlockTest, EachCallSendsItsCommandBlock) {
+    // clang-format off
     const std::vector<CommandCase> cases = {
         {"TestUnitReady", [](auto& p, auto n, auto) { return kivscsi::TestUnitReady(p, n); },
          {0x00, 0, 0, 0, 0, 0}, kNone, 0, 30000},
@@ -145,6 +146,7 @@ TEST(CommandBlockTest, EachCallSendsItsCommandBlock) {
          },
          {0x5B, 0x01, 0x06, 0x00, 0x12, 0x34, 0, 0, 0, 0}, kNone, 0, 3600000},
     };
+    // clang-format on
 
     const _SCSI_PATH path{1, 2, 3, 4};
     for (const CommandCase& c : cases) {
@@ -164,8 +166,8 @@ TEST(CommandBlockTest, EachCallSendsItsCommandBlock) {
 
 TEST(CommandBlockTest, DataOutCarriesTheCallersBytes) {
     scsitest::RegisteredTarget device;
-    std::vector<uint8_t> list = {0x00, 0x02, 0x00, 0x08, 0x00, 0x01, 0x00, 0x00,
-                                 0x26, 0x00, 0x00, 0x00};
+    std::vector<uint8_t> list = {0x00, 0x02, 0x00, 0x08, 0x00, 0x01,
+                                 0x00, 0x00, 0x26, 0x00, 0x00, 0x00};
     ASSERT_EQ(kivscsi::FormatDvdUnit({}, device.name(), list.data(), 12), kivscsi::kStatusGood);
     ASSERT_EQ(device.target().commands.size(), 1u);
     EXPECT_EQ(device.target().commands[0].dataOut, list);

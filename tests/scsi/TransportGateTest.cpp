@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "scsi/Transport.h"
-#include "support/ScopedVirtualClock.h"
 #include "support/RecordingTarget.h"
+#include "support/ScopedVirtualClock.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 
 #include "scsi/Scsi.h"
 #include "scsi/TracingTransport.h"
-#include "support/ScopedVirtualClock.h"
 #include "support/RecordingTarget.h"
+#include "support/ScopedVirtualClock.h"
 
 namespace {
 

@@ -11,10 +11,8 @@
 #include <utility>
 #include <vector>
 
-#include "kiv/Exception.h"
 #include "sim/SectorPattern.h"
 #include "sim/SimulatedDrive.h"
-#include "support/RecordingHost.h"
 #include "support/ScopedVirtualClock.h"
 
 namespace {
@@ -58,7 +56,6 @@ struct Fixture {
     sim::SimulatedDrive drive;
 };
 
-// Spans of one fault merge when they overlap or touch, and answer exactly at their edges.
 TEST(SectorFaults, SpansMergeAndAnswerAtTheirEdges) {
     constexpr uint64_t kLast = std::numeric_limits<uint64_t>::max();
     const struct {
@@ -94,7 +91,6 @@ TEST(SectorFaults, SpansMergeAndAnswerAtTheirEdges) {
     }
 }
 
-// The lowest failing sector of a read decides between FAIL and INTERNALERROR.
 TEST(SectorFaults, LowestFailingSectorOfASpanDecidesTheReadResult) {
     sim::SectorFaults faults;
     faults.addSpan(100, 50, SectorFault::ReadFails);
@@ -350,47 +346,6 @@ TEST(SimulatedDrive, RecordsEveryOperationInOrderWithWhatItCovered) {
     EXPECT_EQ(Bytes(block.begin(), block.end()), unwritten(100, 256));
     f.drive.clearOperations();
     EXPECT_TRUE(f.drive.operations().empty());
-}
-
-TEST(SimulatedDrive, SwitchesAndCountersAnswerTheTestsQuestions) {
-    testsupport::RecordingHost host;
-    testsupport::ScopedHost installed(host);
-    Fixture f(sized(10));
-    sim::DriveSwitches& s = f.drive.switches();
-
-    EXPECT_NE(f.drive.GetHandle(), kivrlibdrive::invalidDriveHandle());
-    s.invalidHandle = true;
-    EXPECT_EQ(f.drive.GetHandle(), kivrlibdrive::invalidDriveHandle());
-    s.invalidHandle = false;
-    f.drive.CloseDevice();
-    EXPECT_EQ(f.drive.GetHandle(), kivrlibdrive::invalidDriveHandle());
-    f.drive.OpenDevice();
-    EXPECT_NE(f.drive.GetHandle(), kivrlibdrive::invalidDriveHandle());
-
-    s.checkMediaResult = TestResult::NOMEDIA;
-    EXPECT_EQ(f.drive.CheckMedia(true), TestResult::NOMEDIA);
-    EXPECT_TRUE(f.drive.counters().lastCheckMediaFlag);
-    s.passResult = TestResult::WARN;
-    EXPECT_EQ(f.drive.GetPASSResult(), TestResult::WARN);
-    s.writeProtected = true;
-    EXPECT_EQ(f.write(0, Bytes(kSector, 9)), TestResult::FAIL);
-    EXPECT_EQ(f.read(0, 1), unwritten(0));
-    s.geometryThrows = true;
-    EXPECT_THROW(f.drive.GetTotalSectors(), kiv::Exception);
-    EXPECT_THROW(f.drive.GetBytesPerSector(), kiv::Exception);
-
-    f.drive.LockTray();
-    f.drive.UnlockTray();
-    f.drive.UnlockTray();
-    f.drive.PrepareRead();
-    EXPECT_EQ(f.drive.unLock(), TestResult::PASS);
-    const sim::DriveCounters& c = f.drive.counters();
-    EXPECT_EQ(c.lockTray, 1u);
-    EXPECT_EQ(c.unlockTray, 2u);
-    EXPECT_EQ(c.prepareRead, 1u);
-    EXPECT_EQ(c.unLock, 1u);
-    EXPECT_EQ(c.checkMedia, 1u);
-    EXPECT_TRUE(host.events().empty());
 }
 
 }  // namespace

@@ -10,8 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "os/Utf8.h"
 #include "VolumeLocking.h"
+#include "os/Utf8.h"
 
 namespace {
 
@@ -137,65 +137,28 @@ TEST(VolumeLocking, LocksEveryVolumeOfTheDiskOrRefusesNamingTheVolume) {
         std::vector<std::wstring> lockedWhileHeld;  // when it locks
         std::wstring named;                         // in the failure, when it refuses
     };
+    // clang-format off
     const std::vector<Case> cases = {
         {"both volumes of the disk, not the other disk's",
-         {{volume(1), {1}}, {volume(2), {0}}, {volume(3), {1}}},
-         kErrorNoMoreFiles,
-         true,
-         {volume(1), volume(3)},
-         L""},
+         {{volume(1), {1}}, {volume(2), {0}}, {volume(3), {1}}}, kErrorNoMoreFiles, true, {volume(1), volume(3)}, L""},
         {"a volume spanning two disks (the answer grows)",
-         {{volume(1), {0, 1}}, {volume(2), {2, 3, 0}}},
-         kErrorNoMoreFiles,
-         true,
-         {volume(1)},
-         L""},
+         {{volume(1), {0, 1}}, {volume(2), {2, 3, 0}}}, kErrorNoMoreFiles, true, {volume(1)}, L""},
         {"an optical volume and an empty card reader are passed over",
-         {{volume(1), {1}},
-          {volume(2), {}, 0, kErrorInvalidFunction},
-          {volume(3), {}, 0, kErrorNotReady},
-          {volume(4), {}, kErrorNoMediaInDrive}},
-         kErrorNoMoreFiles,
-         true,
-         {volume(1)},
-         L""},
+         {{volume(1), {1}}, {volume(2), {}, 0, kErrorInvalidFunction}, {volume(3), {}, 0, kErrorNotReady}, {volume(4), {}, kErrorNoMediaInDrive}},
+         kErrorNoMoreFiles, true, {volume(1)}, L""},
         {"a volume that cannot be opened to check it",
-         {{volume(1), {1}}, {volume(2), {1}, kAccessDenied}},
-         kErrorNoMoreFiles,
-         false,
-         {},
-         volume(2)},
+         {{volume(1), {1}}, {volume(2), {1}, kAccessDenied}}, kErrorNoMoreFiles, false, {}, volume(2)},
         {"a volume whose extents cannot be read",
-         {{volume(1), {1}}, {volume(2), {}, 0, kGeneralFailure}},
-         kErrorNoMoreFiles,
-         false,
-         {},
-         volume(2)},
+         {{volume(1), {1}}, {volume(2), {}, 0, kGeneralFailure}}, kErrorNoMoreFiles, false, {}, volume(2)},
         {"a mounted volume that is in use",
-         {{volume(1), {1}}, {volume(2), {1}, 0, 0, 0, kAccessDenied}},
-         kErrorNoMoreFiles,
-         false,
-         {},
-         volume(2)},
+         {{volume(1), {1}}, {volume(2), {1}, 0, 0, 0, kAccessDenied}}, kErrorNoMoreFiles, false, {}, volume(2)},
         {"a volume of the disk that cannot be opened for locking",
-         {{volume(1), {1}, 0, 0, kAccessDenied}},
-         kErrorNoMoreFiles,
-         false,
-         {},
-         volume(1)},
+         {{volume(1), {1}, 0, 0, kAccessDenied}}, kErrorNoMoreFiles, false, {}, volume(1)},
         {"a volume that cannot be dismounted",
-         {{volume(1), {1}}, {volume(2), {1}, 0, 0, 0, 0, kGeneralFailure}},
-         kErrorNoMoreFiles,
-         false,
-         {},
-         volume(2)},
-        {"the volume list ends with an error",
-         {{volume(1), {1}}},
-         kGeneralFailure,
-         false,
-         {},
-         L"ended early"},
+         {{volume(1), {1}}, {volume(2), {1}, 0, 0, 0, 0, kGeneralFailure}}, kErrorNoMoreFiles, false, {}, volume(2)},
+        {"the volume list ends with an error", {{volume(1), {1}}}, kGeneralFailure, false, {}, L"ended early"},
     };
+    // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         auto calls = std::make_shared<FakeCalls>();
