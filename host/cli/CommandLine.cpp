@@ -31,6 +31,7 @@ public:
         : cursor_{args}, error_(error) {}
 
     std::optional<CommandLine> parse() {
+        line_.bare = cursor_.done();
         while (!cursor_.done()) {
             const std::string argument = cursor_.take();
             if (argument.size() > 1 && argument[0] == '-') {
@@ -66,6 +67,18 @@ private:
             }
             line_.command = *command;
             sawCommand_ = true;
+            return true;
+        }
+        if (line_.command == Command::Help && !line_.help) {
+            // `help run` shows what `run --help` shows.
+            const auto topic = commandNamed(argument);
+            if (!topic) {
+                fail("no help on \"" + argument +
+                     "\" (commands: run, tests, list, make-checksum-file, restore)");
+                return false;
+            }
+            line_.command = *topic;
+            line_.help = true;
             return true;
         }
         if (line_.command == Command::Run && line_.test.empty()) {
@@ -112,6 +125,7 @@ private:
             line_.help = true;
             return true;
         }
+        if (name == "--version") return flag(line_.version, name);
         if (name == "--json") return flag(line_.json, name);
         if (name == "--yes") return flag(yes_, name);
         if (name == "--no") return flag(no_, name);
@@ -246,7 +260,9 @@ const char* kGeneralUsage =
     "  restore JOURNAL [--device DEV]\n"
     "                       put back the data a destructive run that did not end\n"
     "                       cleanly left in its undo journal (drivediag restore --help)\n"
-    "  help                 show this text\n"
+    "  help [COMMAND]       show this text, or COMMAND's own (as COMMAND --help)\n"
+    "\n"
+    "--version shows drivediag's version.\n"
     "\n"
     "--json makes any command write one JSON object per line.\n";
 

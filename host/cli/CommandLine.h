@@ -15,8 +15,10 @@ enum class Command { Help, Run, Tests, List, MakeChecksumFile, Restore };
 
 struct CommandLine {
     Command command = Command::Help;
-    bool help = false;  // --help given to a command
-    std::string test;   // run: the test's name
+    bool help = false;     // --help given to a command, or `help COMMAND`
+    bool version = false;  // --version
+    bool bare = false;     // no arguments at all
+    std::string test;      // run: the test's name
     std::optional<std::string> device;
     std::vector<std::pair<std::string, std::string>> sets;  // --set KEY=VALUE, in order
     bool json = false;

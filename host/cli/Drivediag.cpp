@@ -28,6 +28,9 @@
 namespace host {
 namespace {
 
+// The project's version, from the build.
+constexpr const char* kVersion = DRIVEDIAG_VERSION;
+
 int usageError(const Console& console, const std::string& reason) {
     console.err << "drivediag: " << reason << "\nTry 'drivediag --help'.\n";
     return kExitUsage;
@@ -209,6 +212,20 @@ int runDrivediag(const std::vector<std::string>& args, const Console& console) {
     std::string error;
     const auto line = parseCommandLine(args, &error);
     if (!line) return usageError(console, error);
+    if (line->version) {
+        if (line->json) {
+            console.out << JsonObject().text("type", "version").text("version", kVersion).str()
+                        << "\n";
+        } else {
+            console.out << "drivediag " << kVersion << "\n";
+        }
+        return 0;
+    }
+    if (line->bare) {
+        // Nothing asked for: show what can be asked, and say so in the exit code for scripts.
+        console.err << usageText(Command::Help);
+        return kExitUsage;
+    }
     if (line->help || line->command == Command::Help) {
         console.out << usageText(line->command);
         return 0;

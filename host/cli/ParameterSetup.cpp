@@ -1,6 +1,7 @@
 #include "cli/ParameterSetup.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "quel5/Registry.h"
 
@@ -21,13 +22,33 @@ bool fail(std::string* error, std::string reason) {
     return false;
 }
 
-bool applyOne(const std::string& key, const std::string& value, ParameterValues& applied,
+std::string lowercase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) {
+        return static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    });
+    return text;
+}
+
+// The registered name `typed` means, matched without regard to ASCII case (maxerrors is
+// MaxErrors); nothing when no parameter has that name.
+std::optional<std::string> parameterNamed(const std::string& typed) {
+    const std::string wanted = lowercase(typed);
+    for (const quel5::Parameter* parameter : quel5::Registry::instance().parameters()) {
+        std::string name = parameter->name().toUtf8();
+        if (lowercase(name) == wanted) return name;
+    }
+    return std::nullopt;
+}
+
+bool applyOne(const std::string& typedKey, const std::string& value, ParameterValues& applied,
               std::string* error) {
     quel5::Registry& registry = quel5::Registry::instance();
+    const std::optional<std::string> canonical = parameterNamed(typedKey);
+    if (!canonical)
+        return fail(error, "unknown parameter \"" + typedKey +
+                               "\" (parameters: " + knownParameters() + ")");
+    const std::string& key = *canonical;
     const QuelString name(key.c_str());
-    if (!registry.findParameter(name))
-        return fail(error,
-                    "unknown parameter \"" + key + "\" (parameters: " + knownParameters() + ")");
     const auto same = [&](const auto& entry) { return entry.first == key; };
     if (value.empty()) {
         registry.clearParameter(name);

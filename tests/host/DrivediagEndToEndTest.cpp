@@ -239,14 +239,44 @@ TEST_F(DrivediagEndToEndTest, TestsCommandShowsEveryTestWithItsDefaults) {
         << json.out;
 }
 
-TEST_F(DrivediagEndToEndTest, HelpIsAvailableEverywhere) {
-    for (const Args& args : {Args{}, Args{"--help"}, Args{"help"}, Args{"run", "--help"},
-                             Args{"tests", "--help"}, Args{"list", "-h"}}) {
-        const RunOutput run = runDrivediag(args);
-        EXPECT_EQ(run.exitCode, host::exitCodeFor(quel5::TestResult::PASS));
-        EXPECT_NE(run.out.find("usage: drivediag"), std::string::npos);
-        EXPECT_NE(run.out.find("Exit codes:"), std::string::npos);
+TEST_F(DrivediagEndToEndTest, HelpVersionAndABareCommandLine) {
+    const std::string runUsage = "usage: drivediag run TEST";
+    const std::string generalUsage = "usage: drivediag COMMAND";
+    const struct {
+        Args args;
+        int exitCode;
+        bool onStandardError;
+        std::string mentions;
+    } cases[] = {
+        {{}, host::kExitUsage, true, generalUsage},
+        {{"--help"}, 0, false, generalUsage},
+        {{"help"}, 0, false, generalUsage},
+        {{"help", "run"}, 0, false, runUsage},
+        {{"run", "--help"}, 0, false, runUsage},
+        {{"help", "restore"}, 0, false, "usage: drivediag restore JOURNAL"},
+        {{"tests", "--help"}, 0, false, generalUsage},
+        {{"list", "-h"}, 0, false, generalUsage},
+        {{"help", "frobnicate"}, host::kExitUsage, true, "no help on \"frobnicate\""},
+        {{"--version"}, 0, false, "drivediag 0.1.0\n"},
+        {{"--version", "--json"}, 0, false, "{\"type\":\"version\",\"version\":\"0.1.0\"}\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.mentions);
+        const RunOutput run = runDrivediag(c.args);
+        EXPECT_EQ(run.exitCode, c.exitCode);
+        const std::string& shown = c.onStandardError ? run.err : run.out;
+        EXPECT_NE(shown.find(c.mentions), std::string::npos) << shown;
+        EXPECT_EQ((c.onStandardError ? run.out : run.err), "");
     }
+    EXPECT_NE(runDrivediag({"help", "run"}).out.find("--destructive"), std::string::npos);
+}
+
+TEST_F(DrivediagEndToEndTest, ParameterKeysAreMatchedWithoutRegardToCase) {
+    const RunOutput run = runDrivediag({"run", "linear-seek", "--device", "sim:1MiB,bad=1000+5",
+                                        "--set", "maxerrors=3", "--set", "NUMBEROFSEEKS=2048"});
+    EXPECT_EQ(run.exitCode, host::exitCodeFor(quel5::TestResult::FAIL)) << run.err;
+    EXPECT_EQ(run.lines.front(),
+              "Running linear-seek on sim:1MiB,bad=1000+5 with MaxErrors=3 NumberOfSeeks=2048");
 }
 
 TEST(StopRequestTest, CtrlCRequestsAStopThatTheHostReports) {
