@@ -1,6 +1,5 @@
 #include "cli/Drivediag.h"
 
-#include <cstdio>
 #include <memory>
 
 #include "checksum/ChecksumFileMaker.h"
@@ -14,6 +13,7 @@
 #include "cli/LibraryRegistration.h"
 #include "cli/LogSession.h"
 #include "cli/ParameterSetup.h"
+#include "cli/SizeText.h"
 #include "cli/StopRequest.h"
 #include "cli/TestTable.h"
 #include "cli/UndoLocation.h"
@@ -177,12 +177,6 @@ int listTests(const CommandLine& line, const Console& console) {
     return 0;
 }
 
-std::string sizeText(uint64_t bytes) {
-    char buffer[32];
-    std::snprintf(buffer, sizeof buffer, "%.1f GiB", static_cast<double>(bytes) / (1ull << 30));
-    return buffer;
-}
-
 int listDrivesCommand(const CommandLine& line, const Console& console) {
     const std::vector<DriveInfo> drives = listDrives();
     for (const DriveInfo& drive : drives) {
@@ -196,7 +190,7 @@ int listDrivesCommand(const CommandLine& line, const Console& console) {
                                .str()
                         << "\n";
         } else {
-            console.out << drive.path << "  " << sizeText(drive.sizeBytes) << "  "
+            console.out << drive.path << "  " << binarySizeText(drive.sizeBytes) << "  "
                         << drive.bytesPerSector << "-byte sectors"
                         << (drive.model.empty() ? "" : "  " + drive.model) << "\n";
         }
