@@ -23,7 +23,9 @@ constexpr ExitCodeRow kTable[] = {
     {1, "FAIL: the test found errors"},
     {2, "WARN: the test ended with a warning"},
     {3, "BADPARAMS: the test parameters do not fit the drive"},
-    {4, "USERABORTED: stopped by Ctrl-C or another termination signal"},
+    {4,
+     "USERABORTED: stopped by Ctrl-C or another termination signal, or a question was answered no "
+     "(--no) or cancel"},
     {5, "INTERNALERROR: the drive or the test failed internally"},
     {6, "NODEVICE: the drive has no usable handle"},
     {7, "NOTSUPPORTED: the drive does not support the test"},
