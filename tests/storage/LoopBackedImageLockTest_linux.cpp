@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using libStorage::DeviceLockingManager;
-using testsupport::firstLineOf;
+using testsupport::LoopDevice;
+using testsupport::MountedFilesystem;
 using testsupport::succeeds;
 using testsupport::TempImage;
 
@@ -47,7 +49,8 @@ void writePartitionTable(const std::string& image) {
         .write(reinterpret_cast<const char*>(sector.data()), sector.size());
 }
 
-// What a case did to the loop device, undone in reverse order at its end.
+// What a case did to the loop device, undone at its end: its own steps in reverse order, then
+// the mount, then the loop device.
 class Scenario {
 public:
     Scenario() = default;
@@ -64,31 +67,38 @@ public:
     }
     void atEnd(std::function<void()> undo) { undos_.push_back(std::move(undo)); }
 
+    // Attaches `image` with further losetup `options`; false when no loop device was had.
+    bool attach(const std::string& image, const std::string& options = "") {
+        loopDevice_ = std::make_unique<LoopDevice>(image, options);
+        loop = loopDevice_->path();
+        return !loop.empty();
+    }
+    // Mounts `device`'s filesystem; false when mount refused.
+    bool mount(const std::string& device) {
+        mounted_ = std::make_unique<MountedFilesystem>(device);
+        mountPoint = mounted_->directory();
+        return mounted_->mounted();
+    }
+
     std::string loop;        // the loop device over the image
     std::string mountPoint;  // where a case mounted something
     std::string lockedPath;  // the path handed to the locking manager
     std::string why;         // "" when the case could be set up
 
 private:
+    std::unique_ptr<LoopDevice> loopDevice_;  // before the mount, so detached after it
+    std::unique_ptr<MountedFilesystem> mounted_;
     std::vector<std::function<void()>> undos_;
 };
 
-bool attach(Scenario& s, const std::string& image, const std::string& options) {
-    s.loop = firstLineOf("losetup --find --show " + options + " " + image);
-    if (s.loop.empty()) return false;
-    const std::string loop = s.loop;
-    s.atEnd([loop] { succeeds("losetup -d " + loop); });
-    return true;
-}
-
-bool mountOn(Scenario& s, const std::string& device) {
-    s.mountPoint =
-        (fs::temp_directory_path() / ("libdrive-lock-mnt-" + fs::path(device).filename().string()))
-            .string();
-    fs::create_directories(s.mountPoint);
-    const std::string mountPoint = s.mountPoint;
-    s.atEnd([mountPoint] { fs::remove(mountPoint); });
-    return s.step("mount " + device + " " + mountPoint, "umount " + mountPoint);
+// An ext2 filesystem made on `image`, attached and mounted; `why` set when a step was refused.
+void mountFilesystemOf(Scenario& s, const std::string& image) {
+    if (!succeeds("mkfs.ext2 -q -F " + image))
+        s.why = "no mkfs.ext2";
+    else if (!s.attach(image))
+        s.why = "no loop device";
+    else if (!s.mount(s.loop))
+        s.why = "mount refused";
 }
 
 class LoopBackedImageLockTest : public testing::Test {
@@ -113,27 +123,20 @@ TEST_F(LoopBackedImageLockTest, ImageIsRefusedWhileItsLoopDeviceIsInUse) {
     const Case cases[] = {
         {"attached, unused",
          [](Scenario& s, const std::string& image) {
-             if (!attach(s, image, "")) s.why = "no loop device";
+             if (!s.attach(image)) s.why = "no loop device";
          },
          [](const Scenario&) { return std::string(); }},
         {"its filesystem mounted",
-         [](Scenario& s, const std::string& image) {
-             if (!succeeds("mkfs.ext2 -q -F " + image))
-                 s.why = "no mkfs.ext2";
-             else if (!attach(s, image, ""))
-                 s.why = "no loop device";
-             else if (!mountOn(s, s.loop))
-                 s.why = "mount refused";
-         },
+         [](Scenario& s, const std::string& image) { mountFilesystemOf(s, image); },
          [&](const Scenario& s) { return backing(s) + "is mounted on " + s.mountPoint; }},
         {"a filesystem on its partition mounted",
          [](Scenario& s, const std::string& image) {
              writePartitionTable(image);
-             if (!attach(s, image, "--partscan"))
+             if (!s.attach(image, "--partscan"))
                  s.why = "no loop device";
              else if (!succeeds("mkfs.ext2 -q -F " + s.loop + "p1"))
                  s.why = "no partition";
-             else if (!mountOn(s, s.loop + "p1"))
+             else if (!s.mount(s.loop + "p1"))
                  s.why = "mount refused";
          },
          [&](const Scenario& s) { return backing(s) + "is mounted on " + s.mountPoint; }},
@@ -141,7 +144,7 @@ TEST_F(LoopBackedImageLockTest, ImageIsRefusedWhileItsLoopDeviceIsInUse) {
          [](Scenario& s, const std::string& image) {
              if (!succeeds("mkswap " + image))
                  s.why = "no mkswap";
-             else if (!attach(s, image, ""))
+             else if (!s.attach(image))
                  s.why = "no loop device";
              else if (!s.step("swapon " + s.loop, "swapoff " + s.loop))
                  s.why = "swapon refused";
@@ -149,7 +152,7 @@ TEST_F(LoopBackedImageLockTest, ImageIsRefusedWhileItsLoopDeviceIsInUse) {
          [&](const Scenario& s) { return backing(s) + "is in use as swap (" + s.loop + ")"; }},
         {"held exclusively by another opener",
          [](Scenario& s, const std::string& image) {
-             if (!attach(s, image, "")) {
+             if (!s.attach(image)) {
                  s.why = "no loop device";
                  return;
              }
@@ -168,22 +171,12 @@ TEST_F(LoopBackedImageLockTest, ImageIsRefusedWhileItsLoopDeviceIsInUse) {
              fs::create_hard_link(image, link);
              s.atEnd([link] { fs::remove(link); });
              s.lockedPath = link;
-             if (!succeeds("mkfs.ext2 -q -F " + image))
-                 s.why = "no mkfs.ext2";
-             else if (!attach(s, image, ""))
-                 s.why = "no loop device";
-             else if (!mountOn(s, s.loop))
-                 s.why = "mount refused";
+             mountFilesystemOf(s, image);
          },
          [&](const Scenario& s) { return backing(s) + "is mounted on " + s.mountPoint; }},
         {"mounted, a copy of the image locked",
          [](Scenario& s, const std::string& image) {
-             if (!succeeds("mkfs.ext2 -q -F " + image))
-                 s.why = "no mkfs.ext2";
-             else if (!attach(s, image, ""))
-                 s.why = "no loop device";
-             else if (!mountOn(s, s.loop))
-                 s.why = "mount refused";
+             mountFilesystemOf(s, image);
              const std::string copy = image + ".copy";
              fs::copy_file(image, copy);
              s.atEnd([copy] { fs::remove(copy); });
