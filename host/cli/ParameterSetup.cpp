@@ -22,20 +22,13 @@ bool fail(std::string* error, std::string reason) {
     return false;
 }
 
-std::string lowercase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](unsigned char c) {
-        return static_cast<char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-    });
-    return text;
-}
-
-// The registered name `typed` means, matched without regard to ASCII case (maxerrors is
+// The registered name `typed` means, matched without regard to case (maxerrors is
 // MaxErrors); nothing when no parameter has that name.
 std::optional<std::string> parameterNamed(const std::string& typed) {
-    const std::string wanted = lowercase(typed);
+    const kiv::String wanted = kiv::String::fromUtf8(typed).toLower();
     for (const quel5::Parameter* parameter : quel5::Registry::instance().parameters()) {
         std::string name = parameter->name().toUtf8();
-        if (lowercase(name) == wanted) return name;
+        if (kiv::String::fromUtf8(name).toLower() == wanted) return name;
     }
     return std::nullopt;
 }
