@@ -10,8 +10,6 @@
 
 #include "FuzzInput.h"
 #include "cli/Drivediag.h"
-#include "os/Clock.h"
-#include "os/VirtualClock.h"
 
 namespace {
 
@@ -54,8 +52,7 @@ int run(const std::vector<std::string>& args) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static os::VirtualClock clock(1700000000000ull);
-    os::installClock(&clock);
+    fuzzinput::useVirtualClock();
     if (size == 0) return 0;
     const bool fallback = (data[0] & 1) != 0;
     const fs::path file = medium() / (fallback ? "FALLBACK.BIN" : "CHECKSUM.BIN");

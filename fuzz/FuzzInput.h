@@ -1,4 +1,5 @@
-// Helpers shared by the fuzz targets: turning the fuzzer's bytes into the texts an input takes.
+// Helpers shared by the fuzz targets: turning the fuzzer's bytes into the texts an input takes,
+// and the virtual clock the targets that run simulated drives use.
 #pragma once
 
 #include <cstddef>
@@ -6,6 +7,9 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "os/Clock.h"
+#include "os/VirtualClock.h"
 
 namespace fuzzinput {
 
@@ -24,6 +28,14 @@ inline std::vector<std::string> split(std::string_view text, char separator) {
         if (found == std::string_view::npos) return pieces;
         start = found + 1;
     }
+}
+
+// Puts the process on a virtual clock, the first time only: simulated drives charge their
+// costs in time, which must not be slept for real on every input.
+inline void useVirtualClock() {
+    static os::VirtualClock clock(1700000000000ull);
+    static const bool installed = (os::installClock(&clock), true);
+    (void)installed;
 }
 
 }  // namespace fuzzinput

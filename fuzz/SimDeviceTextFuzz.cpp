@@ -8,8 +8,6 @@
 #include "FuzzInput.h"
 #include "cli/DriveOpening.h"
 #include "cli/SimDeviceText.h"
-#include "os/Clock.h"
-#include "os/VirtualClock.h"
 
 namespace {
 
@@ -20,8 +18,7 @@ void readAt(kivrlibdrive::Drive& drive, uint64_t sector, std::vector<uint8_t>& b
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static os::VirtualClock clock(1700000000000ull);
-    os::installClock(&clock);
+    fuzzinput::useVirtualClock();
     std::string text(fuzzinput::textOf(data, size));
     if (!host::isSimDeviceText(text)) text = "sim:" + text;
     std::string error;

@@ -31,7 +31,6 @@ public:
         : cursor_{args}, error_(error) {}
 
     std::optional<CommandLine> parse() {
-        line_.bare = cursor_.done();
         while (!cursor_.done()) {
             const std::string argument = cursor_.take();
             if (argument.size() > 1 && argument[0] == '-') {

@@ -17,7 +17,6 @@ struct CommandLine {
     Command command = Command::Help;
     bool help = false;     // --help given to a command, or `help COMMAND`
     bool version = false;  // --version
-    bool bare = false;     // no arguments at all
     std::string test;      // run: the test's name
     std::optional<std::string> device;
     std::vector<std::pair<std::string, std::string>> sets;  // --set KEY=VALUE, in order

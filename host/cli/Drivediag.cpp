@@ -215,7 +215,7 @@ int runDrivediag(const std::vector<std::string>& args, const Console& console) {
         }
         return 0;
     }
-    if (line->bare) {
+    if (args.empty()) {
         // Nothing asked for: show what can be asked, and say so in the exit code for scripts.
         console.err << usageText(Command::Help);
         return kExitUsage;

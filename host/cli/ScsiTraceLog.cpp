@@ -15,10 +15,11 @@ public:
     }
 
 private:
+    // Created once, thread-safely: commands may be traced from several threads at once.
     static kiv::Logger* logger() {
-        static kiv::Logger* slot = nullptr;
-        if (slot == nullptr) kiv::LogFactory::createLogger(kScsiTraceLoggerName, &slot);
-        return slot;
+        static kiv::Logger* const created =
+            kiv::LogFactory::createLogger(kScsiTraceLoggerName, nullptr);
+        return created;
     }
 };
 

@@ -85,8 +85,10 @@ int restoreCommand(const CommandLine& line, const Console& console) {
         return kExitUndoJournal;
     }
     if (drive.lock() != TestResult::PASS) {
-        console.err << "drivediag: " << devicePath
-                    << " is in use (mounted or open elsewhere); nothing was written\n";
+        const std::string why = drive.lockFailure().empty()
+                                    ? devicePath + " is in use (mounted or open elsewhere)"
+                                    : drive.lockFailure();
+        console.err << "drivediag: " << why << "; nothing was written\n";
         return exitCodeFor(TestResult::DEVICEBUSY);
     }
     const Outcome outcome = putBack(drive, journal->pending);

@@ -69,7 +69,6 @@ TestResult BlockDeviceDrive::OpenDevice() {
         return failed(path_ + ": the sector size is 0", TestResult::NODEVICE);
     }
     kind_ = opened.kind;
-    direct_ = opened.direct;
     bytesPerSector_ = sectorSize;
     totalSectors_ = found.geometry.totalBytes / sectorSize;
     sectorsPerTrack_ = found.geometry.sectorsPerTrack;
@@ -94,9 +93,7 @@ void BlockDeviceDrive::switchHandle(blockdevice::Opened opened, bool writable) {
 bool BlockDeviceDrive::reopenReadOnly() {
     blockdevice::Opened opened = blockdevice::openDevice(path_, false, direct_);
     if (!opened.error.ok()) {
-        readAhead_.reset();
-        handle_.close();
-        writable_ = false;
+        CloseDevice();
         failed(path_ + " cannot be reopened for reading: " + opened.error.message,
                TestResult::INTERNALERROR);
         return false;

@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <fstream>
-#include <iterator>
 
 #include "DrivediagRun.h"
 #include "cli/ConsoleHost.h"
@@ -23,7 +21,7 @@ using Args = std::vector<std::string>;
 
 class DrivediagEndToEndTest : public ::testing::Test {
 protected:
-    testsupport::ScopedVirtualClock clock_{1700000000000ull};
+    testsupport::ScopedVirtualClock clock_;
 };
 
 TEST_F(DrivediagEndToEndTest, ResultsAndExitCodesOfRunsOnSimulatedDrives) {
@@ -189,9 +187,7 @@ TEST_F(DrivediagEndToEndTest, LogFileReceivesTheLibraryLogFromTheChosenPriority)
             runDrivediag({"run", "linear-seek", "--device", "sim:1000s", "--log", log.text(),
                           "--log-level", c.level, "--set", "NumberOfSeeks=10"});
         EXPECT_EQ(run.exitCode, host::exitCodeFor(quel5::TestResult::PASS)) << run.err;
-        std::ifstream file(log.path());
-        const std::string logged((std::istreambuf_iterator<char>(file)),
-                                 std::istreambuf_iterator<char>());
+        const std::string logged = log.contents();
         EXPECT_EQ(logged.find("Entering CLinearSeekTest::Run") != std::string::npos, c.tracesEntry)
             << logged;
         EXPECT_EQ(kiv::LogFactory::getPriority(), priorityBefore);

@@ -13,7 +13,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <string>
 #include <thread>
@@ -32,11 +31,6 @@ using Args = std::vector<std::string>;
 using namespace std::chrono_literals;
 
 constexpr std::size_t kImageBytes = 32 * 1024 * 1024;
-
-std::string readText(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 std::string temporary(const std::string& name) {
     return (std::filesystem::temp_directory_path() /
@@ -105,12 +99,15 @@ TEST(DrivediagSignal, EveryTerminationSignalStopsTheTestOnASimulatedDrive) {
                      "NumberOfSeeks=100000"},
                     output);
         ASSERT_TRUE(run.started());
-        ASSERT_TRUE(waitFor(
-            [&] { return readText(output).find("\"type\":\"percent\"") != std::string::npos; }));
+        ASSERT_TRUE(waitFor([&] {
+            return testsupport::fileContents(output).find("\"type\":\"percent\"") !=
+                   std::string::npos;
+        }));
         run.signal(number);
         EXPECT_EQ(run.wait(), host::exitCodeFor(quel5::TestResult::USERABORTED))
-            << readText(output);
-        EXPECT_NE(readText(output).find("\"result\":\"USERABORTED\""), std::string::npos);
+            << testsupport::fileContents(output);
+        EXPECT_NE(testsupport::fileContents(output).find("\"result\":\"USERABORTED\""),
+                  std::string::npos);
         std::filesystem::remove(output);
     }
 }
@@ -184,7 +181,7 @@ TEST_F(DrivediagSignalLoop, TermAndHangUpGiveTheDeviceBackUnchanged) {
         const std::string before = loop_.contents();
         EXPECT_EQ(signalAfterWrites(c.test, c.signal, c.writes),
                   host::exitCodeFor(quel5::TestResult::USERABORTED))
-            << readText(output_);
+            << testsupport::fileContents(output_);
         EXPECT_TRUE(loop_.contents() == before);
         // A run that gave every byte back leaves no journal behind.
         EXPECT_FALSE(std::filesystem::exists(journal_));
@@ -202,7 +199,8 @@ TEST_F(DrivediagSignalLoop, KilledAtRandomMomentsRestoreGivesEveryByteBack) {
         EXPECT_EQ(signalAfterWrites(test, SIGKILL, writes), 128 + SIGKILL);
         ASSERT_TRUE(std::filesystem::exists(journal_));
         Process restore({"restore", journal_}, output_);
-        EXPECT_EQ(restore.wait(), host::exitCodeFor(quel5::TestResult::PASS)) << readText(output_);
+        EXPECT_EQ(restore.wait(), host::exitCodeFor(quel5::TestResult::PASS))
+            << testsupport::fileContents(output_);
         EXPECT_TRUE(loop_.contents() == original);
         EXPECT_FALSE(std::filesystem::exists(journal_));
     }

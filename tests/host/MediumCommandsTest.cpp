@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -33,8 +32,7 @@ public:
         std::ofstream(directory_.path() / name, std::ios::binary) << bytes;
     }
     std::string read(const std::string& name) const {
-        std::ifstream in(directory_.path() / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+        return testsupport::fileContents(directory_.path() / name);
     }
 
 private:

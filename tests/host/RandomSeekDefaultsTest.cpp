@@ -29,7 +29,7 @@ protected:
     }
     void TearDown() override { kivrlibdrive::SetSeekSeedSource(nullptr); }
 
-    testsupport::ScopedVirtualClock clock_{1700000000000ull};
+    testsupport::ScopedVirtualClock clock_;
 };
 
 TEST_F(RandomSeekDefaultsTest, HealthyDrivesPassEveryRunWithTheDefaults) {

@@ -23,7 +23,7 @@ struct Case {
 // The trace line carries the command's duration: on the virtual clock it is exactly 0 ms.
 class ScsiTraceLogTest : public ::testing::Test {
 protected:
-    testsupport::ScopedVirtualClock clock_{1'700'000'000'000};
+    testsupport::ScopedVirtualClock clock_;
 };
 
 TEST_F(ScsiTraceLogTest, CommandsAreLoggedOnTheTraceLoggerAtLevelOne) {

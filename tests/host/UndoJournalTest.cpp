@@ -29,11 +29,6 @@ Bytes randomBytes(std::size_t size, unsigned seed) {
     return bytes;
 }
 
-std::string fileText(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 std::optional<host::undo::Contents> parse(const std::string& text, std::string* error = nullptr) {
     std::istringstream in(text);
     return host::undo::readJournal(in, error);
@@ -175,7 +170,7 @@ protected:
     }
     // What `drivediag restore` would do with the file as it stands now.
     void putPendingBack() {
-        const auto contents = parse(fileText(path_));
+        const auto contents = parse(testsupport::fileContents(path_));
         ASSERT_TRUE(contents.has_value());
         for (auto record = contents->pending.rbegin(); record != contents->pending.rend(); ++record)
             std::memcpy(device_.bytes.data() + record->firstSector * kSector, record->data.data(),
@@ -240,9 +235,9 @@ TEST_F(UndoJournalTest, DoneOnceWrittenBackAndFlushedKeptOtherwise) {
     ASSERT_TRUE(journal->beforeOverwrite(1000, 1, &error));
     journal->afterWrite(1000, 1, originalAt(1000, 1).data(), false);
     // Before a flush nothing is done: the write back may still sit in a cache.
-    EXPECT_EQ(parse(fileText(path_))->pending.size(), 3u);
+    EXPECT_EQ(parse(testsupport::fileContents(path_))->pending.size(), 3u);
     ASSERT_TRUE(journal->deviceFlushed(&error)) << error;
-    const auto contents = parse(fileText(path_));
+    const auto contents = parse(testsupport::fileContents(path_));
     ASSERT_TRUE(contents.has_value());
     EXPECT_EQ(contents->doneRecords, 1u);
     ASSERT_EQ(contents->pending.size(), 2u);
@@ -264,7 +259,7 @@ TEST_F(UndoJournalTest, AllWrittenBackAndFlushedRemovesTheFile) {
     EXPECT_LE(device_.reads, 6);
     std::string error;
     ASSERT_TRUE(journal->deviceFlushed(&error)) << error;
-    const auto contents = parse(fileText(path_));
+    const auto contents = parse(testsupport::fileContents(path_));
     ASSERT_TRUE(contents.has_value());
     EXPECT_TRUE(contents->pending.empty());
     EXPECT_TRUE(journal->finish());
@@ -305,12 +300,12 @@ TEST_F(UndoJournalTest, RestorePutsBackAndRefusesAnotherSize) {
         EXPECT_FALSE(journal->finish());
     }
     writeImage(image.text(), device_.bytes);
-    const std::string smallerBefore = fileText(smaller.text());
+    const std::string smallerBefore = smaller.contents();
 
     const auto refused = hosttest::runDrivediag({"restore", path_, "--device", smaller.text()});
     EXPECT_EQ(refused.exitCode, host::kExitUndoJournal) << refused.err;
     EXPECT_NE(refused.err.find("refused"), std::string::npos) << refused.err;
-    EXPECT_EQ(fileText(smaller.text()), smallerBefore);
+    EXPECT_EQ(smaller.contents(), smallerBefore);
 
     const auto restored = hosttest::runDrivediag({"restore", path_, "--json"});
     EXPECT_EQ(restored.exitCode, host::exitCodeFor(quel5::TestResult::PASS))
@@ -334,7 +329,7 @@ TEST_F(UndoJournalTest, ARunJournalsOnlyWhatItMustAndCleansUp) {
     const auto refused = runPattern("true");
     EXPECT_EQ(refused.exitCode, host::kExitUndoJournal) << refused.err;
     EXPECT_NE(refused.err.find("drivediag restore " + path_), std::string::npos) << refused.err;
-    EXPECT_EQ(fileText(path_), "an earlier run's journal");
+    EXPECT_EQ(testsupport::fileContents(path_), "an earlier run's journal");
     std::filesystem::remove(path_);
 
     const auto preserved = runPattern("true");

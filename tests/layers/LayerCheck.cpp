@@ -182,13 +182,17 @@ std::vector<std::vector<Token>> callsOf(const std::vector<std::string>& lines,
     return calls;
 }
 
+// A CMake file of the tree: its path below the root and its lines without comments.
+struct CMakeFile {
+    std::string path;
+    std::vector<std::string> lines;
+};
+
 // Project targets by name, each with the layer of the CMake file that defines it.
-std::map<std::string, std::string> projectTargets(const fs::path& root,
-                                                  const std::vector<fs::path>& cmakeFiles) {
+std::map<std::string, std::string> projectTargets(const std::vector<CMakeFile>& cmakeFiles) {
     std::map<std::string, std::string> targets;
-    for (const fs::path& file : cmakeFiles) {
-        const std::string layer = layerOf(relativeTo(root, file));
-        const auto lines = cmakeLines(file);
+    for (const auto& [path, lines] : cmakeFiles) {
+        const std::string layer = layerOf(path);
         for (const char* command : {"add_library", "add_executable", "libdrive_shared_library"}) {
             for (const auto& call : callsOf(lines, command)) {
                 if (!call.empty() && call[0].word.find('$') == std::string::npos) {
@@ -203,11 +207,11 @@ std::map<std::string, std::string> projectTargets(const fs::path& root,
     return targets;
 }
 
-void checkLinks(const fs::path& root, const fs::path& file,
-                const std::map<std::string, std::string>& targets, std::vector<Violation>& out) {
-    const std::string path = relativeTo(root, file);
+void checkLinks(const CMakeFile& file, const std::map<std::string, std::string>& targets,
+                std::vector<Violation>& out) {
+    const std::string& path = file.path;
+    const std::vector<std::string>& lines = file.lines;
     const std::string from = layerOf(path);
-    const auto lines = cmakeLines(file);
     std::vector<Token> linked;
     for (const auto& call : callsOf(lines, "target_link_libraries")) {
         linked.insert(linked.end(), call.begin() + (call.empty() ? 0 : 1), call.end());
@@ -239,32 +243,41 @@ std::string layerOf(const std::string& relativePath) {
 }
 
 bool mayDependOn(const std::string& from, const std::string& to) {
-    std::set<std::string> reached{from};
-    std::vector<std::string> pending{from};
-    while (!pending.empty()) {
-        const std::string layer = pending.back();
-        pending.pop_back();
-        for (const Layer& entry : layerTable()) {
-            if (entry.name != layer) continue;
-            for (const std::string& next : entry.below) {
-                if (reached.insert(next).second) pending.push_back(next);
+    // Each layer with every layer it reaches through the table's arrows, worked out once.
+    static const std::map<std::string, std::set<std::string>> reachable = [] {
+        std::map<std::string, std::set<std::string>> closure;
+        for (const Layer& start : layerTable()) {
+            std::set<std::string>& reached = closure[start.name];
+            std::vector<std::string> pending{start.name};
+            while (!pending.empty()) {
+                const std::string layer = pending.back();
+                pending.pop_back();
+                reached.insert(layer);
+                for (const Layer& entry : layerTable()) {
+                    if (entry.name != layer) continue;
+                    for (const std::string& next : entry.below) {
+                        if (!reached.count(next)) pending.push_back(next);
+                    }
+                }
             }
         }
-    }
-    return reached.count(to) != 0;
+        return closure;
+    }();
+    const auto found = reachable.find(from);
+    return found != reachable.end() && found->second.count(to) != 0;
 }
 
 std::vector<Violation> checkTree(const fs::path& root) {
     std::vector<Violation> violations;
-    std::vector<fs::path> cmakeFiles;
+    std::vector<CMakeFile> cmakeFiles;
     for (const fs::path& file : filesOfLayers(root)) {
         if (hasExtension(file, {".h", ".cpp", ".inc"})) checkIncludes(root, file, violations);
         if (file.filename() == "CMakeLists.txt" || hasExtension(file, {".cmake"})) {
-            cmakeFiles.push_back(file);
+            cmakeFiles.push_back({relativeTo(root, file), cmakeLines(file)});
         }
     }
-    const auto targets = projectTargets(root, cmakeFiles);
-    for (const fs::path& file : cmakeFiles) checkLinks(root, file, targets, violations);
+    const auto targets = projectTargets(cmakeFiles);
+    for (const CMakeFile& file : cmakeFiles) checkLinks(file, targets, violations);
     std::sort(violations.begin(), violations.end(), [](const Violation& a, const Violation& b) {
         return a.file != b.file ? a.file < b.file : a.line < b.line;
     });

@@ -2,11 +2,13 @@
 
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "LayerCheck.h"
+#include "support/TempFile.h"
 
 namespace fs = std::filesystem;
 
@@ -17,11 +19,12 @@ using Files = std::vector<std::pair<std::string, std::string>>;  // path below t
 // A small tree in the temporary directory with the headers most cases reach.
 class LayerTreeTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        root_ = fs::temp_directory_path() /
-                ("layers-" +
-                 std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(root_);
+    void SetUp() override { freshTree(); }
+
+    // Starts over with a new tree holding only the common headers.
+    void freshTree() {
+        tree_.emplace("layers");
+        root_ = tree_->path();
         write({{"host/cli/TextHost.h", ""},
                {"libDrive/include/libDrive/Drive.h", ""},
                {"libDrive/PassTiming.h", ""},
@@ -29,7 +32,6 @@ protected:
                {"platform/kiv/include/kiv/Log.h", ""},
                {"sim/include/sim/SimulatedDrive.h", ""}});
     }
-    void TearDown() override { fs::remove_all(root_); }
 
     void write(const Files& files) {
         for (const auto& [path, text] : files) {
@@ -47,6 +49,7 @@ protected:
         return out;
     }
 
+    std::optional<testsupport::TempDirectory> tree_;
     fs::path root_;
 };
 
@@ -102,8 +105,7 @@ TEST_F(LayerTreeTest, EachForbiddenArrowIsReportedAtItsFileAndLine) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        TearDown();
-        SetUp();
+        freshTree();
         write(c.files);
         EXPECT_EQ(places(), c.expected);
     }

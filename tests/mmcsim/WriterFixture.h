@@ -49,7 +49,7 @@ public:
         return Bytes(size_t{count} * sim::mmc::kSectorBytes, fill);
     }
 
-    testsupport::ScopedVirtualClock clock{1'700'000'000'000ull};
+    testsupport::ScopedVirtualClock clock;
     std::shared_ptr<sim::mmc::EmulatedWriter> writer;
     _SCSI_PATH path{};
 };

@@ -37,7 +37,7 @@ private:
 
 class TransportGateTest : public ::testing::Test {
 protected:
-    testsupport::ScopedVirtualClock clock_{1'700'000'000'000};
+    testsupport::ScopedVirtualClock clock_;
 };
 
 ScsiCommand readCommand(uint8_t cdbLength, void* buffer, uint32_t bufferLength) {

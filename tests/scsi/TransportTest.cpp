@@ -20,7 +20,7 @@ class PlainEmulatedDevice : public os::EmulatedDevice {};
 
 class TransportTest : public ::testing::Test {
 protected:
-    testsupport::ScopedVirtualClock clock_{1'700'000'000'000};
+    testsupport::ScopedVirtualClock clock_;
 };
 
 TEST_F(TransportTest, DeviceNamesThatReachNoTarget) {

@@ -35,10 +35,12 @@ TempFile::TempFile(const std::string& hint, std::string_view bytes)
 
 TempFile::~TempFile() { removeEvenIfReadOnly(path_); }
 
-std::string TempFile::contents() const {
-    std::ifstream in(path_, std::ios::binary);
+std::string fileContents(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
+
+std::string TempFile::contents() const { return fileContents(path_); }
 
 std::vector<uint8_t> TempFile::bytes() const {
     std::ifstream in(path_, std::ios::binary);

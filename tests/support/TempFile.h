@@ -10,6 +10,9 @@
 
 namespace testsupport {
 
+// The whole contents of the file at `path` ("" when it cannot be read).
+std::string fileContents(const std::filesystem::path& path);
+
 class TempFile {
 public:
     // A new file holding `bytes`; its name contains `hint` and is unique across processes.
