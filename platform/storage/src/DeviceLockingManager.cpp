@@ -50,7 +50,7 @@ bool DeviceLockingManager::lockVolumes() {
     }
     impl_->hold = os::findEmulatedDevice(path)
                       ? lockEmulated(path, impl_->failure)
-                      : detail::lockDiskWith(path, impl_->driveHandle, impl_->failure);
+                      : detail::lockDisk(path, impl_->driveHandle, impl_->failure);
     return impl_->hold != nullptr;
 }
 

@@ -11,6 +11,7 @@
 #include <set>
 #include <sstream>
 
+#include "DeviceNumber.h"
 #include "Hold.h"
 #include "LoopBacking.h"
 #include "os/Utf8.h"
@@ -47,16 +48,6 @@ std::optional<dev_t> blockDeviceOf(const std::string& path) {
     return info.st_rdev;
 }
 
-std::optional<dev_t> parseDeviceNumber(const std::string& text) {
-    unsigned major = 0, minor = 0;
-    char colon = 0;
-    std::istringstream in(text);
-    if (!(in >> major >> colon >> minor) || colon != ':') {
-        return std::nullopt;
-    }
-    return makedev(major, minor);
-}
-
 // The disk and every partition on it, by device number (sysfs: a partition is a
 // subdirectory of its disk holding a "partition" file).
 std::set<dev_t> diskAndPartitions(dev_t disk) {
@@ -68,12 +59,8 @@ std::set<dev_t> diskAndPartitions(dev_t disk) {
         if (!fs::exists(entry.path() / "partition", ignored)) {
             continue;
         }
-        std::ifstream devFile(entry.path() / "dev");
-        std::string number;
-        if (devFile >> number) {
-            if (auto dev = parseDeviceNumber(number)) {
-                devices.insert(*dev);
-            }
+        if (auto dev = deviceNumberIn(entry.path() / "dev")) {
+            devices.insert(*dev);
         }
     }
     return devices;
@@ -168,7 +155,8 @@ std::unique_ptr<Hold> openExclusively(const std::string& path, std::wstring& fai
 
 }  // namespace
 
-std::unique_ptr<Hold> lockDisk(const std::string& path, std::wstring& failure) {
+std::unique_ptr<Hold> lockDisk(const std::string& path, os::NativeHandle /*driveHandle*/,
+                               std::wstring& failure) {
     struct stat info {};
     if (stat(path.c_str(), &info) != 0) {
         failure = wide(path + " cannot be found: " + std::strerror(errno));

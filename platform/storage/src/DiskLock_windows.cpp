@@ -196,8 +196,8 @@ std::unique_ptr<Hold> lockVolumeThrough(const std::wstring& volume, HANDLE drive
 
 }  // namespace
 
-std::unique_ptr<Hold> lockDiskWith(const std::string& path, os::NativeHandle driveHandle,
-                                   std::wstring& failure) {
+std::unique_ptr<Hold> lockDisk(const std::string& path, os::NativeHandle driveHandle,
+                               std::wstring& failure) {
     const std::wstring disk = os::fromUtf8(path);
     const HANDLE drive = static_cast<HANDLE>(driveHandle);
     if (auto number = physicalDriveNumber(disk)) {
@@ -215,10 +215,6 @@ std::unique_ptr<Hold> lockDiskWith(const std::string& path, os::NativeHandle dri
         return nullptr;
     }
     return std::make_unique<HandleHold>(std::move(opened.handle));
-}
-
-std::unique_ptr<Hold> lockDisk(const std::string& path, std::wstring& failure) {
-    return lockDiskWith(path, os::invalidNativeHandle(), failure);
 }
 
 }  // namespace libStorage::detail

@@ -24,14 +24,12 @@ private:
 };
 
 // Takes the disk or image `path` (UTF-8) away from everybody else, per platform. Returns null
-// and sets `failure` (for a person) when it cannot.
-std::unique_ptr<Hold> lockDisk(const std::string& path, std::wstring& failure);
-
-// lockDisk, for a device the drive already holds open through `driveHandle` (not owned; it
-// must stay open while the hold lives): Windows takes what cannot be taken beside an open
-// handle through that handle. invalidNativeHandle() when the drive holds none.
-std::unique_ptr<Hold> lockDiskWith(const std::string& path, os::NativeHandle driveHandle,
-                                   std::wstring& failure);
+// and sets `failure` (for a person) when it cannot. `driveHandle` is the drive's own open
+// handle to it (not owned; it must stay open while the hold lives), or invalidNativeHandle():
+// Windows takes what cannot be taken beside an open handle through that handle; on Linux an
+// exclusive open or flock coexists with the drive's plain open, so the handle is not needed.
+std::unique_ptr<Hold> lockDisk(const std::string& path, os::NativeHandle driveHandle,
+                               std::wstring& failure);
 
 // Exclusive access to the device behind an open handle, per platform; null when refused.
 std::unique_ptr<Hold> claimExclusive(os::NativeHandle handle);

@@ -11,6 +11,8 @@
 #include <fstream>
 #include <optional>
 
+#include "DeviceNumber.h"
+
 namespace libStorage::detail {
 namespace {
 
@@ -26,16 +28,6 @@ struct FileIdentity {
 dev_t fromKernelEncoding(uint64_t encoded) {
     const auto majorNumber = static_cast<unsigned>((encoded & 0xfff00) >> 8);
     const auto minorNumber = static_cast<unsigned>((encoded & 0xff) | ((encoded >> 12) & 0xfff00));
-    return makedev(majorNumber, minorNumber);
-}
-
-std::optional<dev_t> deviceNumberIn(const fs::path& devFile) {
-    std::ifstream in(devFile);
-    unsigned majorNumber = 0, minorNumber = 0;
-    char colon = 0;
-    if (!(in >> majorNumber >> colon >> minorNumber) || colon != ':') {
-        return std::nullopt;
-    }
     return makedev(majorNumber, minorNumber);
 }
 
