@@ -71,8 +71,7 @@ int makeChecksumFileCommand(const CommandLine& line, const Console& console) {
         return kExitNoDevice;
     }
     if (line.json) {
-        console.out << JsonObject()
-                           .text("type", "checksumFile")
+        console.out << JsonObject::record("checksumFile")
                            .text("file", line.files[1])
                            .number("dataBytes", made->dataBytes)
                            .number("coveredBytes", made->coveredBytes)

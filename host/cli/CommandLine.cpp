@@ -114,7 +114,8 @@ private:
             equals == std::string::npos ? std::nullopt
                                         : std::optional<std::string>(argument.substr(equals + 1));
         const bool takesValue = name == "--device" || name == "--set" || name == "--log" ||
-                                name == "--undo" || name == "--log-level" || name == "--map" ||
+                                name == "--undo" || name == "--log-level" ||
+                                name == "--bad-blocks" || name == "--metrics" || name == "--map" ||
                                 mediumOptionKey(name) != nullptr;
         if (!takesValue && inline_) {
             fail(name + " takes no value");
@@ -149,8 +150,10 @@ private:
             line_.sets.emplace_back(key, *text);
             return true;
         }
-        if (name == "--log") return logFile(*text);
-        if (name == "--undo") return undoFile(*text);
+        if (name == "--log") return fileOption(line_.logFile, name, *text);
+        if (name == "--undo") return fileOption(line_.undoFile, name, *text);
+        if (name == "--bad-blocks") return fileOption(line_.badBlocksFile, name, *text);
+        if (name == "--metrics") return fileOption(line_.metricsFile, name, *text);
         return logLevel(*text);
     }
 
@@ -211,21 +214,13 @@ private:
         return nullptr;
     }
 
-    bool logFile(const std::string& text) {
-        if (line_.logFile || text.empty()) {
-            fail(text.empty() ? "--log needs a file name" : "--log is given twice");
+    bool fileOption(std::optional<std::string>& into, const std::string& name,
+                    const std::string& text) {
+        if (into || text.empty()) {
+            fail(name + (text.empty() ? " needs a file name" : " is given twice"));
             return false;
         }
-        line_.logFile = text;
-        return true;
-    }
-
-    bool undoFile(const std::string& text) {
-        if (line_.undoFile || text.empty()) {
-            fail(text.empty() ? "--undo needs a file name" : "--undo is given twice");
-            return false;
-        }
-        line_.undoFile = text;
+        into = text;
         return true;
     }
 
@@ -269,6 +264,7 @@ const char* kRunUsage =
     "usage: drivediag run TEST [--device DEV] [--set KEY=VALUE]... [--json]\n"
     "                          [--log FILE] [--log-level N] [--yes | --no]\n"
     "                          [--destructive [--undo FILE]]\n"
+    "                          [--bad-blocks FILE] [--metrics FILE]\n"
     "\n"
     "  --device DEV       the drive to test (default: a built-in simulated drive):\n"
     "                       a block device (/dev/sdb, /dev/loop0, \\\\.\\PhysicalDrive1),\n"
@@ -285,6 +281,10 @@ const char* kRunUsage =
     "  --log-level N      log messages of priority N (1: every detail .. 5: notices) and\n"
     "                       above; without --log they go to standard error (default 4)\n"
     "  --yes, --no        how to answer the test's questions (default: cancel)\n"
+    "  --bad-blocks FILE  write the sectors of failed reads and writes to FILE, one per\n"
+    "                       line as badblocks -o does (empty when none failed)\n"
+    "  --metrics FILE     write the run's summary to FILE as Prometheus metrics, for\n"
+    "                       node_exporter's textfile collector\n"
     "  --destructive      allow the tests that write to the drive (pattern, cache); they\n"
     "                       write the data back, and with PreserveData=true first save\n"
     "                       what they overwrite in an undo journal, so that even after a\n"

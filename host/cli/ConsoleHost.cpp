@@ -3,6 +3,7 @@
 #include "cli/Catalogue.h"
 #include "cli/Placeholders.h"
 #include "cli/StopRequest.h"
+#include "os/Clock.h"
 #include "quel5/MessageBox2.h"
 
 namespace host {
@@ -46,6 +47,24 @@ std::string answerName(int answer) {
             return "NO";
     }
     return std::to_string(answer);
+}
+
+void ConsoleHost::eventRaised(quel5::Severity severity, const quel5::Event& event,
+                              const QuelString& source, int line) {
+    const std::string key = event.key().toUtf8();
+    if (key == "DATA_COMPARE_FAILED" || key == "MSG_PATTERN_MISMATCH_ERROR") ++compareErrors_;
+    if (key == "MAX_ERRORS_EXCEEDED" || key == "TEST_FAILED_THRESHOLD" || key == "TEST_ABORTED")
+        endedEarly_ = true;
+    showEvent(severity, event, source, line);
+}
+
+void ConsoleHost::startPass() {
+    progress_.startPass(os::nowMilliseconds());
+    endedEarly_ = false;
+}
+
+unsigned int ConsoleHost::percentReached() const {
+    return progress_.finish(endedEarly_ || host::stopRequested());
 }
 
 bool ConsoleHost::stopRequested() { return host::stopRequested(); }

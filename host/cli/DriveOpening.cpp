@@ -2,6 +2,7 @@
 
 #include "cli/SimDeviceText.h"
 #include "drives/BlockDeviceDrive.h"
+#include "drives/RecordingDrive.h"
 #include "kiv/Exception.h"
 #include "sim/SimulatedDrive.h"
 
@@ -15,7 +16,7 @@ OpenResult failed(OpenFailure failure, std::string error) {
     return result;
 }
 
-std::unique_ptr<sim::SimulatedDrive> buildSimulatedDrive(const quel5::DiagDevice& device,
+std::unique_ptr<kivrlibdrive::Drive> buildSimulatedDrive(const quel5::DiagDevice& device,
                                                          const SimDeviceDescription& described) {
     sim::SimulatedDriveConfig config;
     config.totalSectors = described.totalSectors;
@@ -24,7 +25,7 @@ std::unique_ptr<sim::SimulatedDrive> buildSimulatedDrive(const quel5::DiagDevice
     config.cost.perWriteMs = described.costMs;
     config.switches.provideEstimatedTime = true;
     config.recordOperations = false;
-    auto drive = std::make_unique<sim::SimulatedDrive>(device, config);
+    auto drive = std::make_unique<RecordingDrive<sim::SimulatedDrive>>(device, config);
     for (const SectorSpan& span : described.bad)
         drive->injectFaultSpan(span.first, span.count, sim::SectorFault::ReadFails);
     for (uint64_t sector : described.flaky) drive->injectFault(sector, sim::SectorFault::Flaky);

@@ -34,7 +34,8 @@ struct OpenResult {
 };
 
 // `text` is a simulated drive (see SimDeviceText.h) or the path of a block device or image file.
-// Simulated drives report their estimated time left and keep no record of operations.
+// Simulated drives report their estimated time left; both kinds record their operations
+// (drives/RecordingDrive.h).
 OpenResult openDrive(const std::string& text);
 
 // Why `drive` refused its last lock, for a person (the mount point, the loop device, the

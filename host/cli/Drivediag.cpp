@@ -13,6 +13,8 @@
 #include "cli/LibraryRegistration.h"
 #include "cli/LogSession.h"
 #include "cli/ParameterSetup.h"
+#include "cli/ReportFiles.h"
+#include "cli/RunReport.h"
 #include "cli/SizeText.h"
 #include "cli/StopRequest.h"
 #include "cli/TestTable.h"
@@ -20,8 +22,10 @@
 #include "cli/UndoRestore.h"
 #include "cli/UndoRun.h"
 #include "drives/BlockDeviceDrive.h"
+#include "drives/RecordingDrive.h"
 #include "kiv/Exception.h"
 #include "libDrive/LibDrive.h"
+#include "os/Clock.h"
 #include "quel5/Host.h"
 #include "quel5/Registry.h"
 
@@ -63,6 +67,24 @@ bool startJournal(const CommandLine& line, const TestDefinition& test, kivrlibdr
     }
     *journal = RunJournal::start(path, *disk, error);
     return *journal != nullptr;
+}
+
+// The --bad-blocks and --metrics files of a finished run. False when one could not be written
+// (said on standard error).
+bool writeReportFiles(const CommandLine& line, const DeviceHeader& header,
+                      const RunSummary& summary, const Console& console) {
+    std::string error;
+    bool written = true;
+    if (line.badBlocksFile && !writeBadBlocksFile(*line.badBlocksFile, summary, &error)) {
+        console.err << "drivediag: " << error << "\n";
+        written = false;
+    }
+    if (line.metricsFile &&
+        !writeMetricsFile(*line.metricsFile, metricsText(header, summary), &error)) {
+        console.err << "drivediag: " << error << "\n";
+        written = false;
+    }
+    return written;
 }
 
 // The framework host and the stop-signal handlers, for one run.
@@ -135,9 +157,19 @@ int runTest(const CommandLine& line, const Console& console) {
     }
     RunScope scope(*host);
     host->runStarting({test->name, deviceText, parameters});
+    const DeviceHeader header = describeDevice(*opened.opened.drive, deviceText);
+    host->deviceDescribed(header);
+    RunSummary summary;
+    summary.test = test->name;
+    summary.sectorBytes = header.sectorBytes;
+    const RangeObserver observer = [&](const TestedRange& range) {
+        summary.range = range;
+        host->rangeResolved(range);
+    };
+    const uint64_t startMs = os::nowMilliseconds();
     quel5::TestResult result;
     try {
-        result = test->run(*opened.opened.drive);
+        result = test->run(*opened.opened.drive, observer);
     } catch (const kiv::Exception& e) {
         console.err << "drivediag: the test ended with an exception: " << e.getMessage().toUtf8()
                     << "\n";
@@ -146,12 +178,18 @@ int runTest(const CommandLine& line, const Console& console) {
         console.err << "drivediag: the test ended with an exception: " << e.what() << "\n";
         return kExitSoftware;
     }
+    summary.elapsedMs = os::nowMilliseconds() - startMs;
     if (const std::string refusal = lockRefusalOf(*opened.opened.drive); !refusal.empty())
         console.err << "drivediag: the device was not locked: " << refusal << "\n";
     if (journal) journal->finish(console, line.json);
-    const int code = exitCodeFor(result);
-    host->runFinished(result, code);
-    return code;
+    if (const auto* recording = dynamic_cast<const RecordsOperations*>(opened.opened.drive.get()))
+        summary.operations = recording->operations();
+    summary.compareErrors = host->compareErrors();
+    summary.percentReached = host->percentReached();
+    summary.result = result.name();
+    summary.exitCode = exitCodeFor(result);
+    host->runFinished(summary);
+    return writeReportFiles(line, header, summary, console) ? summary.exitCode : kExitReportFile;
 }
 
 int listTests(const CommandLine& line, const Console& console) {
@@ -160,8 +198,7 @@ int listTests(const CommandLine& line, const Console& console) {
             JsonObject defaults;
             for (const ParameterDefault& entry : test.defaults)
                 defaults.text(entry.key, entry.value);
-            console.out << JsonObject()
-                               .text("type", "test")
+            console.out << JsonObject::record("test")
                                .text("name", test.name)
                                .text("description", test.description)
                                .raw("defaults", defaults.str())
@@ -181,8 +218,7 @@ int listDrivesCommand(const CommandLine& line, const Console& console) {
     const std::vector<DriveInfo> drives = listDrives();
     for (const DriveInfo& drive : drives) {
         if (line.json) {
-            console.out << JsonObject()
-                               .text("type", "drive")
+            console.out << JsonObject::record("drive")
                                .text("path", drive.path)
                                .text("model", drive.model)
                                .number("sizeBytes", drive.sizeBytes)
@@ -208,8 +244,7 @@ int runDrivediag(const std::vector<std::string>& args, const Console& console) {
     if (!line) return usageError(console, error);
     if (line->version) {
         if (line->json) {
-            console.out << JsonObject().text("type", "version").text("version", kVersion).str()
-                        << "\n";
+            console.out << JsonObject::record("version").text("version", kVersion).str() << "\n";
         } else {
             console.out << "drivediag " << kVersion << "\n";
         }

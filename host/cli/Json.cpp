@@ -138,8 +138,18 @@ std::string jsonVariables(const quel5::Variables& variables) {
     return object.str();
 }
 
+JsonObject JsonObject::record(std::string_view type) {
+    JsonObject object;
+    object.number("schema", kSchema).text("type", type);
+    return object;
+}
+
 JsonObject& JsonObject::text(std::string_view name, std::string_view utf8) {
     return field(name, jsonString(utf8));
+}
+
+JsonObject& JsonObject::decimal(std::string_view name, double value) {
+    return field(name, jsonDouble(value));
 }
 
 JsonObject& JsonObject::number(std::string_view name, uint64_t value) {

@@ -25,8 +25,15 @@ std::string jsonVariables(const quel5::Variables& variables);
 // Fields in the order added; names are written as given (escaped).
 class JsonObject {
 public:
+    // The version of the line format: every line drivediag writes starts with it.
+    static constexpr uint64_t kSchema = 1;
+    // {"schema":1,"type":`type`, ...}: the start of every line drivediag writes.
+    static JsonObject record(std::string_view type);
+
     JsonObject& text(std::string_view name, std::string_view utf8);
     JsonObject& number(std::string_view name, uint64_t value);
+    // A number; null when it is not finite.
+    JsonObject& decimal(std::string_view name, double value);
     JsonObject& signedNumber(std::string_view name, int64_t value);
     JsonObject& boolean(std::string_view name, bool value);
     // `json` must already be valid JSON.

@@ -18,13 +18,35 @@ std::string defaultMaxErrors() {
     return std::to_string(kivrlibdrive::DriveTest::DEFAULT_MAX_ERRORS);
 }
 
+// The library's test, telling the host the range it settled on: the frame works it out in
+// Initialize, and keeps it where a subclass can read it.
 template <typename Test>
-quel5::TestResult runTest(kivrlibdrive::Drive& drive) {
-    Test test(drive);
+class RangeReporting : public Test {
+public:
+    RangeReporting(kivrlibdrive::Drive& tested, const RangeObserver& observer)
+        : Test(tested), observer_(observer) {}
+
+protected:
+    quel5::TestResult Initialize() override {
+        const quel5::TestResult result = Test::Initialize();
+        if (result == quel5::TestResult::PASS && observer_) {
+            observer_({this->startSector, this->endSector, this->sectorsToTest, this->numberOfSeeks,
+                       this->sectorPercentToTest});
+        }
+        return result;
+    }
+
+private:
+    const RangeObserver& observer_;
+};
+
+template <typename Test>
+quel5::TestResult runTest(kivrlibdrive::Drive& drive, const RangeObserver& observer) {
+    RangeReporting<Test> test(drive, observer);
     return test.Run();
 }
 
-quel5::TestResult runChecksum(kivrlibdrive::Drive& drive) {
+quel5::TestResult runChecksum(kivrlibdrive::Drive& drive, const RangeObserver&) {
     const auto* medium = dynamic_cast<const MediumDrive*>(&drive);
     if (medium == nullptr) return quel5::TestResult::NOTSUPPORTED;
     kivrlibdrive::CChecksumTest test(drive, medium->checksumParameters());

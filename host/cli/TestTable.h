@@ -2,6 +2,7 @@
 // description, the parameter values a plain run uses, and how to run it on a drive.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
@@ -18,12 +19,23 @@ struct ParameterDefault {
     std::string value;  // as --set would give it
 };
 
+// The sectors a test settled on once it had read the drive's geometry and the range parameters.
+struct TestedRange {
+    uint64_t first = 0;          // first sector of the range
+    uint64_t end = 0;            // one past the last
+    uint64_t sectorsToTest = 0;  // by percentage; 0 when the test counts seeks
+    uint64_t seeks = 0;          // positions to visit; 0 when the test covers a percentage
+    double percent = 0.0;        // share of the range to cover; 0 when the test counts seeks
+};
+using RangeObserver = std::function<void(const TestedRange&)>;
+
 struct TestDefinition {
     std::string name;  // "linear-seek"
     std::string description;
     std::vector<ParameterDefault> defaults;
-    // Constructs the test on the drive and runs it once.
-    std::function<quel5::TestResult(kivrlibdrive::Drive&)> run;
+    // Constructs the test on the drive and runs it once, telling `observer` the range each time
+    // the test has worked it out (not at all for a test without a range).
+    std::function<quel5::TestResult(kivrlibdrive::Drive&, const RangeObserver& observer)> run;
     // Writes to the drive: runs only with --destructive.
     bool destructive = false;
     // Reads files of a test medium (host/ChecksumSetup.h) rather than sectors of --device; run

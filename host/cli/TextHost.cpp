@@ -1,5 +1,6 @@
 #include "cli/ConsoleHost.h"
 #include "cli/ProgressLine.h"
+#include "cli/ReportText.h"
 #include "os/Clock.h"
 
 namespace host {
@@ -17,6 +18,11 @@ const char* severityName(quel5::Severity severity) {
     return "EVENT";
 }
 
+bool sameRange(const TestedRange& a, const TestedRange& b) {
+    return a.first == b.first && a.end == b.end && a.sectorsToTest == b.sectorsToTest &&
+           a.seeks == b.seeks;
+}
+
 }  // namespace
 
 void TextHost::runStarting(const RunDescription& run) {
@@ -26,54 +32,56 @@ void TextHost::runStarting(const RunDescription& run) {
         for (const auto& [key, value] : run.parameters) line += " " + key + "=" + value;
     }
     printLine(line);
+    startPass();
 }
 
-void TextHost::runFinished(const quel5::TestResult& result, int exitCode) {
+void TextHost::deviceDescribed(const DeviceHeader& header) {
+    for (const std::string& line : headerLines(header)) printLine(line);
+}
+
+void TextHost::rangeResolved(const TestedRange& range) {
+    // A rerun settles on the same range: say it once.
+    if (shownRange_ && sameRange(*shownRange_, range)) return;
+    shownRange_ = range;
+    printLine(rangeLine(range));
+}
+
+void TextHost::runFinished(const RunSummary& summary) {
+    if (progressShown_) drawProgress(progressLine(summary.percentReached, progressText_, {}));
     endProgressLine();
-    printLine("Result: " + std::string(result.name()) + " (exit code " + std::to_string(exitCode) +
-              ")");
+    for (const std::string& line : summaryLines(summary)) printLine(line);
 }
 
 void TextHost::libraryRegistered(const QuelString&) {}
 
-void TextHost::eventRaised(quel5::Severity severity, const quel5::Event& event,
-                           const QuelString& source, int line) {
-    printLine(std::string(severityName(severity)) + ": " + eventMessage(event) + "  [" +
-              event.key().toUtf8() + ", " + source.toUtf8() + ":" + std::to_string(line) + "]");
+void TextHost::showEvent(quel5::Severity severity, const quel5::Event& event, const QuelString&,
+                         int) {
+    printLine(std::string(severityName(severity)) + ": " + eventMessage(event));
 }
 
 void TextHost::progress(const quel5::LocalizedString& text, double intervalMs) {
     progressText_ = text.localizedString().toUtf8();
     if (terminal_) {
-        redrawProgress();
+        redrawProgress(progress_.shown());
         return;
     }
     // A timed report may come with every read; as lines of a file it is kept to one per
     // interval.
     const uint64_t now = os::nowMilliseconds();
-    if (intervalMs > 0.0 && lastProgressLineMs_ &&
-        static_cast<double>(now - *lastProgressLineMs_) < intervalMs) {
-        return;
-    }
-    lastProgressLineMs_ = now;
-    out() << progressLine(percent_, progressText_, secondsLeft_) << "\n";
+    if (!lines_.admit(intervalMs, now)) return;
+    out() << progressLine(progress_.shown(), progressText_, progress_.secondsLeft(now)) << "\n";
 }
 
 void TextHost::percentDone(unsigned int percent) {
-    percent_ = percent;
-    if (terminal_) redrawProgress();
+    if (progress_.percentDone(percent) && terminal_) redrawProgress(progress_.shown());
 }
 
 void TextHost::resetPercentDone() {
-    percent_ = 0;
-    secondsLeft_.reset();
-    if (terminal_) redrawProgress();
+    startPass();
+    if (terminal_) redrawProgress(progress_.shown());
 }
 
-void TextHost::estimatedTimeLeft(unsigned int seconds) {
-    secondsLeft_ = seconds;
-    if (terminal_) redrawProgress();
-}
+void TextHost::estimatedTimeLeft(unsigned int seconds) { progress_.libraryEstimate(seconds); }
 
 void TextHost::messageBoxCancelled(const quel5::MessageBox2& box) {
     printLine("PROMPT WITHDRAWN: " + box.title().toUtf8());
@@ -92,12 +100,16 @@ void TextHost::printLine(const std::string& line) {
         progressShown_ = false;
     }
     out() << line << "\n";
-    if (hadProgress) redrawProgress();
+    if (hadProgress) redrawProgress(progress_.shown());
     out().flush();
 }
 
-void TextHost::redrawProgress() {
-    const std::string line = progressLine(percent_, progressText_, secondsLeft_);
+void TextHost::redrawProgress(unsigned int percent) {
+    drawProgress(
+        progressLine(percent, progressText_, progress_.secondsLeft(os::nowMilliseconds())));
+}
+
+void TextHost::drawProgress(const std::string& line) {
     out() << "\r" << line;
     if (line.size() < shownWidth_) out() << std::string(shownWidth_ - line.size(), ' ');
     shownWidth_ = line.size();

@@ -95,8 +95,7 @@ int restoreCommand(const CommandLine& line, const Console& console) {
     drive.unLock();
     const bool restored = outcome.unwritten == 0 && outcome.different == 0;
     if (line.json) {
-        console.out << JsonObject()
-                           .text("type", "restore")
+        console.out << JsonObject::record("restore")
                            .text("journal", file)
                            .text("device", devicePath)
                            .number("records", journal->pending.size())

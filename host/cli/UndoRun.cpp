@@ -49,8 +49,7 @@ bool RunJournal::finish(const Console& console, bool json) {
                 << " may not hold their own data again; it is kept in the undo journal " << path
                 << ". Put it back with: drivediag restore " << path << "\n";
     if (json) {
-        console.out << JsonObject()
-                           .text("type", "undoJournal")
+        console.out << JsonObject::record("undoJournal")
                            .text("file", path)
                            .text("device", drive_.path())
                            .number("pendingRecords", pending)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "drives/RecordingDrive.h"
 #include "drives/UndoJournal.h"
 #include "kiv/Log.h"
 #include "os/Utf8.h"
@@ -397,7 +398,7 @@ bool BlockDeviceDrive::ConfirmRerun() { return false; }
 
 std::unique_ptr<kivrlibdrive::Drive> openBlockDrive(const quel5::DiagDevice& device,
                                                     std::string* error) {
-    auto drive = std::make_unique<BlockDeviceDrive>(device);
+    auto drive = std::make_unique<RecordingDrive<BlockDeviceDrive>>(device);
     if (drive->OpenDevice() != quel5::TestResult::PASS) {
         if (error != nullptr) {
             *error = drive->lastError();

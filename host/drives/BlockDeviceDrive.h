@@ -101,6 +101,7 @@ public:
     const std::string& path() const { return path_; }
     // True when transfers currently bypass the system's cache.
     bool usesDirectIo() const { return direct_; }
+    bool isImageFile() const { return kind_ == blockdevice::Kind::ImageFile; }
     // Why the last failing operation failed, for a person (UTF-8).
     const std::string& lastError() const { return lastError_; }
     // Why the last lock() was refused, for a person (UTF-8): the mount point, the loop device,
@@ -162,7 +163,8 @@ private:
     std::unique_ptr<ReadAhead> readAhead_;
 };
 
-// Opens the device named by `device`'s OS locator as a BlockDeviceDrive. nullptr when it cannot
+// Opens the device named by `device`'s OS locator as a BlockDeviceDrive that records its
+// operations (drives/RecordingDrive.h). nullptr when it cannot
 // be opened, with the reason in *error (when error is not null). `device` must outlive the
 // drive.
 std::unique_ptr<kivrlibdrive::Drive> openBlockDrive(const quel5::DiagDevice& device,

@@ -163,7 +163,7 @@ TEST_F(DestructiveLoopDeviceTest, StoppedRunsGiveEveryByteBack) {
             run = hosttest::runDrivediag(destructiveRun(c.test, loop_.path(), c.sets));
         }
         EXPECT_EQ(run.exitCode, host::exitCodeFor(TestResult::USERABORTED)) << run.lines.back();
-        EXPECT_EQ(run.countLinesWith("{\"type\":\"percent\",\"percent\":100}"), 0u)
+        EXPECT_EQ(run.countLinesWith("\"type\":\"percent\",\"percent\":100}"), 0u)
             << "the run ended before the stop";
         const std::vector<std::size_t> changed = changedSectors(before, loop_.contents());
         EXPECT_TRUE(changed.empty()) << describe(changed);

@@ -24,6 +24,15 @@ std::size_t RunOutput::countLinesWith(const std::string& part) const {
     return count;
 }
 
+std::string RunOutput::result() const {
+    const std::string label = "  Result:";
+    for (const std::string& line : lines) {
+        if (line.rfind(label, 0) == 0)
+            return line.substr(line.find_first_not_of(' ', label.size()));
+    }
+    return "";
+}
+
 RunOutput runDrivediag(const std::vector<std::string>& args) {
     std::ostringstream out;
     std::ostringstream err;

@@ -15,6 +15,8 @@ struct RunOutput {
     // The first line containing every one of `parts`, or "" when there is none.
     std::string lineWith(const std::vector<std::string>& parts) const;
     std::size_t countLinesWith(const std::string& part) const;
+    // What the text summary's "Result:" line says ("FAIL (exit code 1)"), or "".
+    std::string result() const;
 };
 
 // Runs drivediag with `args` as if from a pipe (no terminal).

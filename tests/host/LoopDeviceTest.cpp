@@ -25,7 +25,7 @@ TEST(LoopDeviceTest, LinearSeekOnALoopDevicePasses) {
     EXPECT_EQ(run.exitCode, host::exitCodeFor(TestResult::PASS)) << run.out << run.err;
     EXPECT_EQ(run.lines.front(),
               "Running linear-seek on " + loop.path() + " with MaxErrors=10 NumberOfSeeks=256");
-    EXPECT_EQ(run.lines.back(), "Result: PASS (exit code 0)");
+    EXPECT_EQ(run.result(), "PASS (exit code 0)");
 
     const hosttest::RunOutput past = hosttest::runDrivediag(
         {"run", "linear-seek", "--device", loop.path(), "--set", "StartRange=MIN+5MB"});
