@@ -3,10 +3,31 @@
 #include "cli/Catalogue.h"
 #include "cli/Placeholders.h"
 #include "cli/StopRequest.h"
+#include "kiv/Log.h"
 #include "os/Clock.h"
 #include "quel5/MessageBox2.h"
 
 namespace host {
+namespace {
+
+kiv::Logger* eventLogger() {
+    static kiv::Logger* const created = kiv::LogFactory::createLogger(L"drivediag.Events", nullptr);
+    return created;
+}
+
+}  // namespace
+
+const char* severityWord(quel5::Severity severity) {
+    switch (severity) {
+        case quel5::Severity::WARNING:
+            return "WARNING";
+        case quel5::Severity::INFORMATIVE:
+            return "INFO";
+        case quel5::Severity::ERROR:
+            return "ERROR";
+    }
+    return "EVENT";
+}
 
 std::string eventMessage(const quel5::Event& event) {
     const std::string key = event.key().toUtf8();
@@ -55,6 +76,11 @@ void ConsoleHost::eventRaised(quel5::Severity severity, const quel5::Event& even
     if (key == "DATA_COMPARE_FAILED" || key == "MSG_PATTERN_MISMATCH_ERROR") ++compareErrors_;
     if (key == "MAX_ERRORS_EXCEEDED" || key == "TEST_FAILED_THRESHOLD" || key == "TEST_ABORTED")
         endedEarly_ = true;
+    // A person's screen shows the text alone; the log keeps what a developer needs to find it.
+    eventLogger()->log(static_cast<int>(kiv::LogPriority::Notice),
+                       kiv::String::fromUtf8(std::string(severityWord(severity)) + " " + key +
+                                             " [" + source.toUtf8() + ":" + std::to_string(line) +
+                                             "] " + eventMessage(event)));
     showEvent(severity, event, source, line);
 }
 

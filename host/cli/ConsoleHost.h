@@ -25,6 +25,9 @@ struct RunDescription {
     std::vector<std::pair<std::string, std::string>> parameters;  // as set, key and value
 };
 
+// "ERROR", "WARNING", "INFO": how an event's severity reads in a line.
+const char* severityWord(quel5::Severity severity);
+
 // The text of an event as a person reads it: its catalogue text with the variables filled in,
 // or the key when the catalogue has no text for it.
 std::string eventMessage(const quel5::Event& event);

@@ -6,18 +6,6 @@
 namespace host {
 namespace {
 
-const char* severityName(quel5::Severity severity) {
-    switch (severity) {
-        case quel5::Severity::WARNING:
-            return "WARNING";
-        case quel5::Severity::INFORMATIVE:
-            return "INFO";
-        case quel5::Severity::ERROR:
-            return "ERROR";
-    }
-    return "EVENT";
-}
-
 bool sameRange(const TestedRange& a, const TestedRange& b) {
     return a.first == b.first && a.end == b.end && a.sectorsToTest == b.sectorsToTest &&
            a.seeks == b.seeks;
@@ -56,7 +44,7 @@ void TextHost::libraryRegistered(const QuelString&) {}
 
 void TextHost::showEvent(quel5::Severity severity, const quel5::Event& event, const QuelString&,
                          int) {
-    printLine(std::string(severityName(severity)) + ": " + eventMessage(event));
+    printLine(std::string(severityWord(severity)) + ": " + eventMessage(event));
 }
 
 void TextHost::progress(const quel5::LocalizedString& text, double intervalMs) {

@@ -25,22 +25,29 @@ TEST(Utf8, RoundTripsEveryPlane) {
     }
 }
 
-TEST(Utf8, MalformedInputBecomesReplacementCharacters) {
+// A name that is not UTF-8 (a Linux file name is any bytes) must come back byte for byte, or
+// the file it names cannot be opened.
+TEST(Utf8, MalformedBytesAreEscapedAndComeBack) {
     struct Case {
         std::string utf8;
         std::wstring wide;
     };
     const Case cases[] = {
-        {"\x80", L"\uFFFD"},              // a lone continuation byte
-        {"a\xC3", L"a\uFFFD"},            // cut short at the end
-        {"\xC0\xAF", L"\uFFFD"},          // overlong
-        {"\xED\xA0\x80", L"\uFFFD"},      // an encoded surrogate
-        {"\xF4\x90\x80\x80", L"\uFFFD"},  // beyond U+10FFFF
-        {"\xFFok", L"\uFFFDok"},
+        {"\x80", L"\xDC80"},                                // a lone continuation byte
+        {"a\xC3", L"a\xDCC3"},                              // cut short at the end
+        {"\xC3(", L"\xDCC3("},                              // cut short by a plain character
+        {"\xC0\xAF", L"\xDCC0\xDCAF"},                      // overlong
+        {"\xED\xA0\x80", L"\xDCED\xDCA0\xDC80"},            // an encoded surrogate
+        {"\xF4\x90\x80\x80", L"\xDCF4\xDC90\xDC80\xDC80"},  // beyond U+10FFFF
+        {"img\xFF.bin", L"img\xDCFF.bin"},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(os::fromUtf8(c.utf8), c.wide) << testing::PrintToString(c.utf8);
+        EXPECT_EQ(os::toUtf8(os::fromUtf8(c.utf8)), c.utf8) << testing::PrintToString(c.utf8);
     }
+    // Other lone surrogates have no byte to stand for.
+    EXPECT_EQ(os::toUtf8(std::wstring(1, static_cast<wchar_t>(0xD800))), "\xEF\xBF\xBD");
+    EXPECT_EQ(os::toUtf8(std::wstring(1, static_cast<wchar_t>(0xDC7F))), "\xEF\xBF\xBD");
 }
 
 }  // namespace

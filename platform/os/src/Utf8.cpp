@@ -6,8 +6,16 @@ namespace os {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
+// A byte that is not part of valid UTF-8 is kept as the lone low surrogate U+DC00 + byte, so
+// that a file name of any bytes survives a trip through a wide string and opens.
+constexpr char32_t kEscapedByteFirst = 0xDC80;
+constexpr char32_t kEscapedByteLast = 0xDCFF;
 
 void appendUtf8(std::string& out, char32_t c) {
+    if (c >= kEscapedByteFirst && c <= kEscapedByteLast) {
+        out += static_cast<char>(c - 0xDC00);
+        return;
+    }
     if (c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF)) {
         c = kReplacement;
     }
@@ -40,9 +48,15 @@ void appendWide(std::wstring& out, char32_t c) {
     out += static_cast<wchar_t>(c);
 }
 
-// Decodes one UTF-8 sequence at text[i], advancing i; malformed input yields U+FFFD.
+// Decodes one UTF-8 sequence at text[i], advancing i; the first byte of a malformed sequence
+// yields its escape, and decoding goes on after it.
 char32_t decodeUtf8(const std::string& text, size_t& i) {
+    const size_t start = i;
     const auto lead = static_cast<uint8_t>(text[i++]);
+    const auto malformed = [&] {
+        i = start + 1;
+        return static_cast<char32_t>(0xDC00 + lead);
+    };
     int continuation = 0;
     char32_t c = 0;
     char32_t minimum = 0;
@@ -55,16 +69,16 @@ char32_t decodeUtf8(const std::string& text, size_t& i) {
     } else if ((lead & 0xF8) == 0xF0) {
         continuation = 3, c = lead & 0x07, minimum = 0x10000;
     } else {
-        return kReplacement;
+        return malformed();
     }
     for (int k = 0; k < continuation; ++k) {
         if (i >= text.size() || (static_cast<uint8_t>(text[i]) & 0xC0) != 0x80) {
-            return kReplacement;
+            return malformed();
         }
         c = (c << 6) | (static_cast<uint8_t>(text[i++]) & 0x3F);
     }
     if (c < minimum || c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF)) {
-        return kReplacement;
+        return malformed();
     }
     return c;
 }
