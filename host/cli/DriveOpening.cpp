@@ -2,6 +2,7 @@
 
 #include "cli/SimDeviceText.h"
 #include "drives/BlockDeviceDrive.h"
+#include "drives/DeviceIdentity.h"
 #include "drives/RecordingDrive.h"
 #include "kiv/Exception.h"
 #include "sim/SimulatedDrive.h"
@@ -59,7 +60,12 @@ OpenResult openDrive(const std::string& text) {
 
 std::string lockRefusalOf(const kivrlibdrive::Drive& drive) {
     const auto* block = dynamic_cast<const BlockDeviceDrive*>(&drive);
-    return block == nullptr ? std::string() : block->lockFailure();
+    if (block == nullptr || block->lockFailure().empty()) return "";
+    // An exclusive open refused with nothing mounted: say which device built on it holds it.
+    const std::string holders = holdersOf(block->path());
+    if (holders.empty() || block->lockFailure().find("exclusively") == std::string::npos)
+        return block->lockFailure();
+    return block->lockFailure() + " (held by " + holders + ", built on it)";
 }
 
 }  // namespace host

@@ -14,6 +14,7 @@
 #include "cli/LogSession.h"
 #include "cli/ParameterSetup.h"
 #include "cli/ReportFiles.h"
+#include "cli/RunChecks.h"
 #include "cli/RunReport.h"
 #include "cli/SizeText.h"
 #include "cli/StopRequest.h"
@@ -125,6 +126,12 @@ int runTest(const CommandLine& line, const Console& console) {
     }
     ParameterValues parameters;
     if (!applyParameters(*test, sets, &parameters, &error)) return usageError(console, error);
+    if (!test->onMedium) {
+        if (std::string problem = rangeTextProblem(); !problem.empty())
+            return usageError(console, problem);
+        if (std::string problem = amountProblem(*test); !problem.empty())
+            return usageError(console, problem);
+    }
     LogSession log;
     if (!log.start(line.logFile, line.logLevel, &error)) return usageError(console, error);
     registerLibraryOnce();
@@ -136,6 +143,11 @@ int runTest(const CommandLine& line, const Console& console) {
     if (opened.failure == OpenFailure::CannotOpen) {
         console.err << "drivediag: cannot open " << opened.error << "\n";
         return kExitNoDevice;
+    }
+    if (std::string problem = deviceProblem(*test, *opened.opened.drive, deviceText);
+        !problem.empty()) {
+        console.err << "drivediag: " << problem << "\n";
+        return exitCodeFor(quel5::TestResult::CANNOTRUN);
     }
     if (test->destructive && opened.opened.drive->IsWriteProtected()) {
         console.err << "drivediag: " << deviceText << " is read-only (write-protected); the "

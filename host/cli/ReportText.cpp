@@ -87,8 +87,7 @@ std::vector<std::string> summaryLines(const RunSummary& summary) {
     }
     lines.push_back(field("Compare errors", std::to_string(summary.compareErrors)));
     std::string time = formatDuration(static_cast<unsigned int>(summary.elapsedMs / 1000));
-    if (summary.operations && summary.elapsedMs > 0)
-        time += ", " + rateText(summary.bytesPerSecond());
+    if (summary.bytesPerSecond() > 0.0) time += ", " + rateText(summary.bytesPerSecond());
     lines.push_back(field("Time", time));
     lines.push_back(field("Reached", std::to_string(summary.percentReached) + " % of the pass"));
     lines.push_back(

@@ -21,4 +21,9 @@ struct DeviceIdentity {
 // empty.
 DeviceIdentity identifyDisk(const std::string& path, os::NativeHandle handle);
 
+// The kernel's devices built on the disk `path` names or on its partitions ("dm-0, md127": a
+// device mapper, LVM or RAID set holds them open), or "" when there are none or the system
+// does not say.
+std::string holdersOf(const std::string& path);
+
 }  // namespace host

@@ -33,17 +33,43 @@ std::string serialFromVpdPage(const fs::path& file) {
     return first == std::string::npos ? "" : serial.substr(first, last - first + 1);
 }
 
+// The sysfs folder of the block device `path` names; empty when it is not one.
+fs::path sysfsFolder(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISBLK(status.st_mode)) return {};
+    std::error_code error;
+    fs::path folder = fs::canonical("/sys/dev/block/" + std::to_string(major(status.st_rdev)) +
+                                        ":" + std::to_string(minor(status.st_rdev)),
+                                    error);
+    return error ? fs::path() : folder;
+}
+
+void addHolders(const fs::path& device, std::string& names) {
+    std::error_code error;
+    for (const auto& holder : fs::directory_iterator(device / "holders", error)) {
+        names += (names.empty() ? "" : ", ") + holder.path().filename().string();
+    }
+}
+
 }  // namespace
+
+std::string holdersOf(const std::string& path) {
+    fs::path disk = sysfsFolder(path);
+    if (disk.empty()) return "";
+    if (fs::exists(disk / "partition")) disk = disk.parent_path();
+    std::string names;
+    addHolders(disk, names);
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(disk, error)) {
+        if (fs::exists(entry.path() / "partition")) addHolders(entry.path(), names);
+    }
+    return names;
+}
 
 DeviceIdentity identifyDisk(const std::string& path, os::NativeHandle) {
     DeviceIdentity identity;
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0 || !S_ISBLK(status.st_mode)) return identity;
-    std::error_code error;
-    fs::path disk = fs::canonical("/sys/dev/block/" + std::to_string(major(status.st_rdev)) + ":" +
-                                      std::to_string(minor(status.st_rdev)),
-                                  error);
-    if (error) return identity;
+    fs::path disk = sysfsFolder(path);
+    if (disk.empty()) return identity;
     if (fs::exists(disk / "partition")) disk = disk.parent_path();
     identity.model = attribute(disk / "device" / "model");
     identity.serial = attribute(disk / "device" / "serial");

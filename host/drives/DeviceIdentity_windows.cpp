@@ -53,4 +53,7 @@ DeviceIdentity identifyDisk(const std::string&, os::NativeHandle handle) {
     return identity;
 }
 
+// Windows says what holds a disk through the volume lock's failure itself.
+std::string holdersOf(const std::string&) { return ""; }
+
 }  // namespace host

@@ -1,0 +1,245 @@
+// What drivediag tells a person and a program about a run: the device header, the range, the
+// summary of failed sectors and the bad-blocks file for every test on a simulated drive with a
+// bad span; JSON lines that carry their schema; progress kept to one line per interval; and
+// runs refused with one clear reason before the device is opened. Time is virtual.
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "DrivediagRun.h"
+#include "cli/ExitCodes.h"
+#include "support/ScopedVirtualClock.h"
+#include "support/TempFile.h"
+
+namespace {
+
+using hosttest::runDrivediag;
+using hosttest::RunOutput;
+using Args = std::vector<std::string>;
+
+class DrivediagReportTest : public ::testing::Test {
+protected:
+    testsupport::ScopedVirtualClock clock_;
+};
+
+// Sector numbers in the bad-blocks file.
+std::vector<uint64_t> sectorsIn(const std::string& badBlocks) {
+    std::vector<uint64_t> sectors;
+    std::istringstream lines(badBlocks);
+    for (std::string line; std::getline(lines, line);) sectors.push_back(std::stoull(line));
+    return sectors;
+}
+
+std::vector<uint64_t> span(uint64_t first, uint64_t count) {
+    std::vector<uint64_t> sectors;
+    for (uint64_t sector = first; sector < first + count; ++sector) sectors.push_back(sector);
+    return sectors;
+}
+
+// The text after `label` on the first line that starts with it.
+std::string field(const RunOutput& run, const std::string& label) {
+    const std::string line = run.lineWith({label});
+    return line.empty() ? ""
+                        : line.substr(line.find_first_not_of(' ', line.find(label) + label.size()));
+}
+
+TEST_F(DrivediagReportTest, EveryTestReportsTheSectorsItCouldNotTransfer) {
+    const std::string small = "sim:1MiB,bad=1000+5";
+    const Args seeks = {"--set", "MaxErrors=100", "--set", "NumberOfSeeks=2048"};
+    const struct {
+        const char* test;
+        std::string device;
+        Args extra;
+        const char* range;
+        const char* reads;             // the summary's line, "" when the test draws at random
+        std::vector<uint64_t> failed;  // the bad-blocks file
+    } cases[] = {
+        {"linear-seek", small, seeks, "sectors 0 to 2047 (2048 sectors); 2048 seeks",
+         "2048 operations, 2048 sectors; 5 failed, 5 sectors: 1000-1004", span(1000, 5)},
+        // Every sector twice, from both ends inward: each bad one fails on both visits.
+        {"funnel-seek", small, seeks, "sectors 0 to 2047 (2048 sectors); 2048 seeks",
+         "4096 operations, 4096 sectors; 10 failed, 5 sectors: 1000-1004", span(1000, 5)},
+        {"read-compare", small, seeks, "sectors 0 to 2047 (2048 sectors); 2048 seeks",
+         "4091 operations, 4091 sectors; 5 failed, 5 sectors: 1000-1004", span(1000, 5)},
+        // Blocks of 63 sectors: the failed block counts all its sectors.
+        {"surface-scan",
+         small,
+         {"--set", "MaxErrors=100", "--set", "SectorPercentToTest=100"},
+         "sectors 0 to 2047 (2048 sectors); testing 2048 sectors (100 %)",
+         "33 operations, 2048 sectors; 1 failed, 63 sectors: 945-1007",
+         span(945, 63)},
+        {"pattern",
+         small,
+         {"--destructive", "--set", "MaxErrors=100", "--set", "NumberOfSeeks=2048"},
+         "sectors 0 to 2047 (2048 sectors); 2048 seeks",
+         "38803 operations, 38803 sectors; 5 failed, 5 sectors: 1000-1004",
+         span(1000, 5)},
+        // 256-sector blocks over the last 32768 sectors.
+        {"cache",
+         "sim:16MiB,bad=20000+5",
+         {"--destructive", "--set", "MaxErrors=100"},
+         "sectors 0 to 32767 (32768 sectors); 1 seek",
+         "1275 operations, 326400 sectors; 5 failed, 256 sectors: 19968-20223",
+         span(19968, 256)},
+        {"random-seek", small, seeks, "sectors 0 to 2046 (2047 sectors); 2047 seeks", "", {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.test);
+        const testsupport::TempFile badBlocks("bad-blocks", "");
+        Args args = {"run", c.test, "--device", c.device, "--bad-blocks", badBlocks.text()};
+        args.insert(args.end(), c.extra.begin(), c.extra.end());
+        const RunOutput run = runDrivediag(args);
+        EXPECT_EQ(run.exitCode, host::exitCodeFor(quel5::TestResult::FAIL)) << run.out << run.err;
+        EXPECT_EQ(run.lines.at(1), "Device:  " + c.device + " (simulated drive)");
+        EXPECT_NE(run.lineWith({"  Capacity: ", " sectors, "}), "") << run.out;
+        EXPECT_EQ(field(run, "Range:"), c.range);
+        const std::vector<uint64_t> listed = sectorsIn(badBlocks.contents());
+        if (*c.reads != '\0') {
+            EXPECT_EQ(field(run, "  Reads:"), c.reads);
+            EXPECT_EQ(listed, c.failed);
+        } else {
+            ASSERT_FALSE(listed.empty());
+            for (uint64_t sector : listed) EXPECT_TRUE(sector >= 1000 && sector <= 1004) << sector;
+        }
+        const std::string writes = field(run, "  Writes:");
+        if (std::string(c.test) == "pattern" || std::string(c.test) == "cache") {
+            EXPECT_NE(writes.find("; none failed"), std::string::npos) << writes;
+        } else {
+            EXPECT_EQ(writes, "none");
+        }
+        EXPECT_EQ(run.result(), "FAIL (exit code 1)");
+    }
+}
+
+TEST_F(DrivediagReportTest, APassWithFailedReadsSaysSo) {
+    const RunOutput run =
+        runDrivediag({"run", "linear-seek", "--device", "sim:1MiB,bad=100+500", "--set",
+                      "MaxErrors=100000", "--set", "MinErrorPercentage=50"});
+    EXPECT_EQ(run.exitCode, 0) << run.out;
+    EXPECT_EQ(field(run, "  Reads:"),
+              "1024 operations, 1024 sectors; 250 failed, 250 sectors: 100, 102, 104, 106, 108, "
+              "110, 112, 114, 116, 118, 120, 122, 124, 126, 128, 130, 132, 134, 136, 138 and 230 "
+              "more runs");
+    EXPECT_EQ(run.lines.back(),
+              "Note: PASS under the test's error rules, but 250 transfers failed (see above): the "
+              "drive is not free of errors.");
+}
+
+TEST_F(DrivediagReportTest, JsonLinesCarryTheSchemaAndTheReportIsOneObjectEach) {
+    const RunOutput run =
+        runDrivediag({"run", "linear-seek", "--json", "--device", "sim:1MiB,bad=0+1000,cost=5",
+                      "--set", "NumberOfSeeks=2048", "--set", "MaxErrors=3"});
+    EXPECT_EQ(run.exitCode, 1) << run.err;
+    for (const std::string& line : run.lines) {
+        EXPECT_EQ(line.rfind("{\"schema\":1,\"type\":\"", 0), 0u) << line;
+        EXPECT_EQ(line.back(), '}') << line;
+    }
+    EXPECT_NE(run.lineWith({"{\"schema\":1,\"type\":\"device\",\"device\":\"sim:1MiB,bad=0+1000,"
+                            "cost=5\",\"kind\":\"simulated drive\",\"model\":\"\",\"serial\":\"\","
+                            "\"totalSectors\":2048,\"totalBytes\":1048576,\"sectorBytes\":512,"
+                            "\"physicalSectorBytes\":512,\"directIo\":null}"}),
+              "")
+        << run.out;
+    EXPECT_NE(run.lineWith({"{\"schema\":1,\"type\":\"range\",\"first\":0,\"end\":2048,"
+                            "\"sectorsToTest\":0,\"seeks\":2048,\"percent\":0}"}),
+              "");
+    // Stopped at its third failed read, on sector 4 of 2048: the pass got nowhere near 100 %.
+    const std::string summary = run.lineWith({"\"type\":\"summary\""});
+    for (const std::string& part :
+         {std::string("\"test\":\"linear-seek\",\"result\":\"FAIL\",\"exitCode\":1,"
+                      "\"passedWithFailures\":false"),
+          std::string("\"reads\":{\"operations\":3,\"sectors\":3,\"failedOperations\":3,"
+                      "\"failedSectors\":3,\"failedRuns\":[[0,3]],"
+                      "\"failedRunsComplete\":true}"),
+          std::string("\"writes\":{\"operations\":0,"), std::string("\"compareErrors\":0,"),
+          std::string("\"elapsedMs\":15,"), std::string("\"percentReached\":0}")}) {
+        EXPECT_NE(summary.find(part), std::string::npos) << part << "\n" << summary;
+    }
+    EXPECT_EQ(run.countLinesWith("\"percent\":100}"), 0u) << run.out;
+    EXPECT_EQ(run.lines.back(),
+              "{\"schema\":1,\"type\":\"result\",\"result\":\"FAIL\",\"exitCode\":1}");
+}
+
+// A read-compare of 2048 positions at 5 ms a read takes about 20 s: about 20 progress lines,
+// not one per sector.
+TEST_F(DrivediagReportTest, ProgressLinesStayWithinOnePerInterval) {
+    for (const bool json : {false, true}) {
+        SCOPED_TRACE(json ? "json" : "text");
+        Args args = {"run",   "read-compare",      "--device", "sim:1MiB,cost=5",
+                     "--set", "NumberOfSeeks=2048"};
+        if (json) args.push_back("--json");
+        const uint64_t before = clock_.elapsedMilliseconds();
+        const RunOutput run = runDrivediag(args);
+        const uint64_t seconds = (clock_.elapsedMilliseconds() - before) / 1000;
+        EXPECT_EQ(run.exitCode, 0) << run.err;
+        ASSERT_GE(seconds, 15u);
+        const std::size_t progress =
+            run.countLinesWith(json ? "\"type\":\"progress\"" : "Reading sector ");
+        EXPECT_GE(progress, seconds - 1);
+        EXPECT_LE(progress, seconds + 1);
+        if (json) {
+            EXPECT_LE(run.countLinesWith("\"type\":\"percent\""), seconds + 2);
+        }
+        EXPECT_NE(run.lineWith({json ? "\"type\":\"timeLeft\"" : " left"}), "") << run.out;
+    }
+}
+
+TEST_F(DrivediagReportTest, RunsThatCannotWorkAreRefusedWithOneReason) {
+    const std::string syntax = "A range text is a sector number (100000), a size in KB, MB or GB";
+    const struct {
+        const char* name;
+        Args args;
+        int exitCode;
+        std::vector<std::string> says;
+    } cases[] = {
+        {"a start text with a sign the start cannot have",
+         {"run", "linear-seek", "--device", "sim:1MiB", "--set", "StartRange=MAX+5"},
+         host::kExitUsage,
+         {"the StartRange text \"MAX+5\" is not a range.", syntax}},
+        {"an end text with an unknown unit",
+         {"run", "surface-scan", "--device", "sim:1MiB", "--set", "EndRange=12XB"},
+         host::kExitUsage,
+         {"the EndRange text \"12XB\" is not a range.", syntax}},
+        {"30000 digits",
+         {"run", "linear-seek", "--device", "sim:1MiB", "--set",
+          "StartRange=" + std::string(30000, '1')},
+         host::kExitUsage,
+         {"the StartRange text \"111", syntax}},
+        {"a large-drive text the library cannot evaluate",
+         {"run", "linear-seek", "--device", "sim:1MiB", "--set", "AdjustForLargeDrives=true",
+          "--set", "LargeDriveSize=1", "--set", "LargeDriveEndRange=abc"},
+         host::kExitUsage,
+         {"the LargeDriveEndRange text \"abc\" is not a range.", syntax}},
+        {"no seeks",
+         {"run", "linear-seek", "--device", "sim:1MiB", "--set", "NumberOfSeeks=0"},
+         host::kExitUsage,
+         {"linear-seek tests as many positions as NumberOfSeeks says; set it to 1 or more "
+          "(the default is 1000)"}},
+        {"no amount at all",
+         {"run", "surface-scan", "--device", "sim:1MiB", "--set", "SectorPercentToTest="},
+         host::kExitUsage,
+         {"surface-scan tests as many sectors as SectorPercentToTest says"}},
+        {"a cache test on a small drive",
+         {"run", "cache", "--destructive", "--device", "sim:32767s"},
+         host::exitCodeFor(quel5::TestResult::CANNOTRUN),
+         {"the cache test works on the last 32768 sectors of its range, and sim:32767s has only "
+          "32767; it was not started"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const RunOutput run = runDrivediag(c.args);
+        EXPECT_EQ(run.exitCode, c.exitCode);
+        for (const std::string& part : c.says)
+            EXPECT_NE(run.err.find(part), std::string::npos) << run.err;
+        EXPECT_EQ(run.err.find("drivediag:"), run.err.rfind("drivediag:"))
+            << "one reason: " << run.err;
+        EXPECT_EQ(run.out, "") << "nothing may run";
+    }
+    // What the checks let through still runs: the other amount may stand in.
+    EXPECT_EQ(runDrivediag({"run", "linear-seek", "--device", "sim:1MiB", "--set",
+                            "NumberOfSeeks=", "--set", "SectorPercentToTest=10"})
+                  .exitCode,
+              0);
+}
+
+}  // namespace
