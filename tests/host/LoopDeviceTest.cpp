@@ -1,5 +1,5 @@
-// drivediag on a real block device: a loop device over a temporary image. Needs root and
-// losetup; skipped elsewhere.
+// drivediag on what Linux gives it: a loop device over a temporary image (needs root and
+// losetup; skipped elsewhere) and a file whose name is bytes that are not UTF-8.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -67,6 +67,15 @@ TEST(LoopDeviceTest, LinearSeekOnALoopDevicePasses) {
     const hosttest::RunOutput past = hosttest::runDrivediag(
         {"run", "linear-seek", "--device", loop.path(), "--set", "StartRange=MIN+5MB"});
     EXPECT_EQ(past.exitCode, host::exitCodeFor(TestResult::BADPARAMS)) << past.out << past.err;
+}
+
+TEST(LoopDeviceTest, AnImageWhoseNameIsNotUtf8Opens) {
+    const testsupport::TempImage image("name-\xFF\xC3(", 64 * 1024);
+    ASSERT_NE(image.text().find("\xFF\xC3("), std::string::npos);
+    const hosttest::RunOutput run = hosttest::runDrivediag(
+        {"run", "linear-seek", "--device", image.text(), "--set", "NumberOfSeeks=16"});
+    EXPECT_EQ(run.exitCode, host::exitCodeFor(TestResult::PASS)) << run.out << run.err;
+    EXPECT_EQ(run.result(), "PASS (exit code 0)");
 }
 
 }  // namespace
