@@ -50,7 +50,7 @@ TEST(DestructiveGuard, WritingTestsNeedTheirFlag) {
         {{"run", "pattern", "--device", "sim:1MiB", "--destructive", "--set", "NumberOfSeeks=50"},
          0,
          ""},
-        {{"run", "cache", "--device", "sim:8MiB", "--destructive"}, 3, ""},
+        {{"run", "cache", "--device", "sim:16MiB", "--destructive"}, 0, ""},
         {{"tests", "--destructive"}, 64, "belongs to the run command"},
     };
     for (const auto& c : cases) {
