@@ -315,6 +315,42 @@ const char* kRestoreUsage =
     "journal says, or is in use. The journal is removed once everything reads back as\n"
     "journaled.\n";
 
+const char* kTestsUsage =
+    "usage: drivediag tests [--json]\n"
+    "\n"
+    "Lists the tests drivediag runs, what each does and the parameter values a plain run\n"
+    "uses (drivediag run TEST --set KEY=VALUE changes them).\n";
+
+const char* kListUsage =
+    "usage: drivediag list [--json]\n"
+    "\n"
+    "Lists the drives this machine shows, with size, sector size and model: on Linux the\n"
+    "whole disks of /sys/block, on Windows \\\\.\\PhysicalDriveN. Give one to run --device.\n";
+
+const char* kMakeChecksumFileUsage =
+    "usage: drivediag make-checksum-file DATA OUT [--json]\n"
+    "\n"
+    "Writes DATA followed by its MD5 digest to OUT: the file the checksum test looks for on\n"
+    "a test medium (see drivediag run --help).\n";
+
+const char* usageOf(Command command) {
+    switch (command) {
+        case Command::Run:
+            return kRunUsage;
+        case Command::Restore:
+            return kRestoreUsage;
+        case Command::Tests:
+            return kTestsUsage;
+        case Command::List:
+            return kListUsage;
+        case Command::MakeChecksumFile:
+            return kMakeChecksumFileUsage;
+        case Command::Help:
+            break;
+    }
+    return kGeneralUsage;
+}
+
 }  // namespace
 
 std::optional<CommandLine> parseCommandLine(const std::vector<std::string>& args,
@@ -324,9 +360,7 @@ std::optional<CommandLine> parseCommandLine(const std::vector<std::string>& args
 
 std::string usageText(Command command) {
     std::ostringstream text;
-    text << (command == Command::Run       ? kRunUsage
-             : command == Command::Restore ? kRestoreUsage
-                                           : kGeneralUsage);
+    text << usageOf(command);
     text << "\nExit codes:\n";
     for (const ExitCodeRow& row : exitCodeTable()) {
         text << "  " << (row.code < 10 ? " " : "") << row.code << "  " << row.meaning << "\n";
