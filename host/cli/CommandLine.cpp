@@ -15,14 +15,32 @@ struct Cursor {
     const std::string& take() { return args[next++]; }
 };
 
+struct CommandName {
+    const char* name;
+    Command command;
+};
+
+constexpr CommandName kCommands[] = {
+    {"run", Command::Run},         {"tests", Command::Tests},
+    {"list", Command::List},       {"make-checksum-file", Command::MakeChecksumFile},
+    {"restore", Command::Restore}, {"help", Command::Help},
+};
+
 std::optional<Command> commandNamed(const std::string& name) {
-    if (name == "run") return Command::Run;
-    if (name == "tests") return Command::Tests;
-    if (name == "list") return Command::List;
-    if (name == "help") return Command::Help;
-    if (name == "make-checksum-file") return Command::MakeChecksumFile;
-    if (name == "restore") return Command::Restore;
+    for (const CommandName& entry : kCommands) {
+        if (name == entry.name) return entry.command;
+    }
     return std::nullopt;
+}
+
+// "run, tests, ..., help", or without help when `withHelp` is false.
+std::string commandNames(bool withHelp) {
+    std::string names;
+    for (const CommandName& entry : kCommands) {
+        if (!withHelp && entry.command == Command::Help) continue;
+        names += (names.empty() ? "" : ", ") + std::string(entry.name);
+    }
+    return names;
 }
 
 class Parser {
@@ -60,8 +78,7 @@ private:
         if (!sawCommand_) {
             const auto command = commandNamed(argument);
             if (!command) {
-                fail("unknown command \"" + argument +
-                     "\" (commands: run, tests, list, make-checksum-file, restore, help)");
+                fail("unknown command \"" + argument + "\" (commands: " + commandNames(true) + ")");
                 return false;
             }
             line_.command = *command;
@@ -72,8 +89,7 @@ private:
             // `help run` shows what `run --help` shows.
             const auto topic = commandNamed(argument);
             if (!topic) {
-                fail("no help on \"" + argument +
-                     "\" (commands: run, tests, list, make-checksum-file, restore)");
+                fail("no help on \"" + argument + "\" (commands: " + commandNames(false) + ")");
                 return false;
             }
             line_.command = *topic;
