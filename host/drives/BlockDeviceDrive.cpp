@@ -89,6 +89,16 @@ void BlockDeviceDrive::switchHandle(blockdevice::Opened opened, bool writable) {
     direct_ = opened.direct;
     writable_ = writable;
     startReadAhead();
+    if (lockingManager.isLocked()) {
+        // Only image files reopen while locked; their lock is held on a handle of its own
+        // (Windows: a duplicate of the old one), which the old handle's closing does not
+        // release.
+        lockingManager.setDriveHandle(handle_.native());
+    }
+}
+
+os::Error BlockDeviceDrive::flushWritten() {
+    return writable_ ? blockdevice::flush(handle_.native()) : os::Error{};
 }
 
 bool BlockDeviceDrive::reopenReadOnly() {
@@ -190,10 +200,7 @@ TestResult BlockDeviceDrive::FlushCache() {
     if (!handle_.valid()) {
         return failed(path_ + " is not open", TestResult::INTERNALERROR);
     }
-    if (!writable_) {
-        return TestResult::PASS;  // unLock() flushed whatever was written
-    }
-    const os::Error error = blockdevice::flush(handle_.native());
+    const os::Error error = flushWritten();
     if (!error.ok()) {
         return failed(path_ + ": " + error.message, blockdevice::isDeviceGone(error.code)
                                                         ? TestResult::INTERNALERROR
@@ -239,13 +246,10 @@ TestResult BlockDeviceDrive::refuseLock(const std::string& why) {
 }
 
 TestResult BlockDeviceDrive::unLock() {
-    if (writable_) {
-        const os::Error error = blockdevice::flush(handle_.native());
-        if (!error.ok()) {
-            logText(kiv::LogPriority::Warning, path_ + ": " + error.message);
-        } else {
-            confirmFlushToJournal();
-        }
+    if (const os::Error error = flushWritten(); !error.ok()) {
+        logText(kiv::LogPriority::Warning, path_ + ": " + error.message);
+    } else {
+        confirmFlushToJournal();
     }
     // Released through the handle that took it, so before that handle closes.
     const TestResult unlocked = Drive::unLock();
@@ -359,11 +363,6 @@ bool BlockDeviceDrive::reopenCached() {
         return false;
     }
     switchHandle(std::move(reopened), writable_);
-    if (lockingManager.isLocked()) {
-        // Only image files get here; their lock is held on a handle of its own (Windows: a
-        // duplicate of the old one), which the old handle's closing does not release.
-        lockingManager.setDriveHandle(handle_.native());
-    }
     return true;
 }
 

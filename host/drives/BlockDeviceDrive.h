@@ -123,8 +123,8 @@ private:
     quel5::TestResult transfer(Direction direction, uint64_t startSector, unsigned int count,
                                unsigned char* buffer);
     os::IoResult move(Direction direction, uint64_t offset, unsigned char* buffer, size_t bytes);
-    // Makes `opened` (REQUIRES: no error) the drive's handle, closing the previous one, and
-    // restarts read-ahead over it.
+    // Makes `opened` (REQUIRES: no error) the drive's handle, closing the previous one,
+    // restarts read-ahead over it and, while locked, hands it to the locking manager.
     void switchHandle(blockdevice::Opened opened, bool writable);
     // Replaces the handle by a read-only one. False (lastError_ set, the drive closed) when the
     // device cannot be reopened.
@@ -139,6 +139,9 @@ private:
     quel5::TestResult refuseLock(const std::string& why);
     // The sectors as the device holds them, bypassing read-ahead: the undo journal's source.
     bool readFromDevice(uint64_t first, uint32_t count, unsigned char* into, std::string* error);
+    // Commits what was written through the read-write handle; nothing to do on a read-only one,
+    // as unLock() flushed before it gave the read-write handle up.
+    os::Error flushWritten();
     // Tells the undo journal that the device has committed every completed write.
     void confirmFlushToJournal();
     uint32_t imageSectorSize() const;

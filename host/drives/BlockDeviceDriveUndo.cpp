@@ -13,8 +13,7 @@ void BlockDeviceDrive::attachUndoJournal(UndoJournal* journal) {
             return readFromDevice(first, count, into, error);
         },
         [this](std::string* error) {
-            if (!writable_) return true;  // nothing written since the last unLock()
-            const os::Error flushed = blockdevice::flush(handle_.native());
+            const os::Error flushed = flushWritten();
             if (!flushed.ok()) *error = path_ + ": " + flushed.message;
             return flushed.ok();
         },
