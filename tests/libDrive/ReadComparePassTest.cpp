@@ -19,6 +19,7 @@ namespace {
 using drivetests::CallRecordingDrive;
 using drivetests::DirectRange;
 using drivetests::driveOf;
+using drivetests::ExitCase;
 using drivetests::ScriptedDrive;
 using drivetests::stepsFrom;
 using quel5::TestResult;
@@ -46,8 +47,6 @@ protected:
         const std::string read = "read " + std::to_string(sector);
         return {"prepare", read, "prepare", read};
     }
-
-    quel5::DiagDevice device{L"sim:compare"};
 };
 
 struct WalkCase {
@@ -330,41 +329,16 @@ TEST_F(ReadCompare, TheWorkingResultCarriesOverIntoLaterPasses) {
 }
 
 TEST_F(ReadCompare, EveryWayOutOfAPassUnlocksTheTrayOnce) {
-    const struct {
-        const char* name;
-        uint32_t bytesPerSector;
-        std::optional<DirectRange> range;
-        std::function<void(CallRecordingDrive&)> arrange;
-        TestResult result;
-        unsigned passes;
-        std::vector<std::string> events;  // "KEY@line", from libDrive/LinearReadCompareTest
-    } cases[] = {
-        // clang-format off
-        {"no handle", 512, {}, [](CallRecordingDrive& d) { d.switches().invalidHandle = true; },
-         TestResult::NODEVICE, 0, {}},
-        {"media check fails", 512, {},
-         [](CallRecordingDrive& d) {
-             d.switches().needsMediaCheck = true;
-             d.switches().checkMediaResult = TestResult::NOMEDIA;
-         },
-         TestResult::NOMEDIA, 1, {}},
-        {"empty range", 512, DirectRange{30, 30}, [](CallRecordingDrive&) {}, TestResult::BADPARAMS, 1, {"TOTAL_SECTOR_GREATER_THAN_ZERO@132"}},
-        {"sector size 0", 0, {}, [](CallRecordingDrive&) {}, TestResult::INTERNALERROR, 1, {"INVALID_BUFFER_SIZE@149"}},
-        // clang-format on
+    // clang-format off
+    const ExitCase cases[] = {
+        {.name = "no handle", .arrange = drivetests::noHandle, .result = TestResult::NODEVICE, .passes = 0},
+        {.name = "media check fails", .arrange = drivetests::mediaCheckFails, .result = TestResult::NOMEDIA},
+        {.name = "empty range", .range = DirectRange{30, 30}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO@132"}},
+        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE@149"}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        reset({{"EndRange", "10"}, {"NumberOfSeeks", "10"}});
-        CallRecordingDrive drive(device, driveOf(100, c.bytesPerSector));
-        c.arrange(drive);
-
-        EXPECT_EQ(run(drive, c.range), c.result);
-
-        EXPECT_EQ(drive.counters().lockTray, c.passes);
-        EXPECT_EQ(drive.counters().unlockTray, c.passes);
-        EXPECT_TRUE(drive.operations().empty());
-        EXPECT_EQ(eventsFrom("libDrive/LinearReadCompareTest"), c.events);
-    }
+    // clang-format on
+    runExitCases(cases, {{"EndRange", "10"}, {"NumberOfSeeks", "10"}}, driveOf(100),
+                 "libDrive/LinearReadCompareTest");
 }
 
 }  // namespace
