@@ -221,24 +221,6 @@ TEST_F(RandomSeek, ReportsTimedProgressAboutOnceASecond) {
     EXPECT_EQ(host.stopPolls(), 29u);
 }
 
-TEST_F(RandomSeek, EstimateIsTheTrueTimeLeftOnceTheRingIsFull) {
-    reset({{"EndRange", "2000"}, {"NumberOfSeeks", "1500"}});
-    SeedScript seeds(kSeeds);
-    // One second a seek: a report after every second seek, at seeks 2, 4, 6, ...
-    CallRecordingDrive drive(device, driveOf(2001, 512, 1000));
-    drive.switches().provideEstimatedTime = true;
-
-    EXPECT_EQ(run(drive), TestResult::PASS);
-
-    const std::vector<unsigned> left = host.timesLeft();
-    ASSERT_EQ(left.size(), 749u);
-    EXPECT_EQ(left[0], 2u) << "2 of 1000 samples: 2000 ms * 1498 seeks";
-    for (std::size_t i = 500; i < left.size(); ++i) {
-        const unsigned done = 2 * static_cast<unsigned>(i + 1);
-        EXPECT_EQ(left[i], 1500 - done) << "after seek " << done;
-    }
-}
-
 TEST_F(RandomSeek, StopRequestsAreSeenAtReports) {
     const StopCase cases[] = {
         {"first report", 0, {}, {}, TestResult::USERABORTED, 102},

@@ -52,6 +52,21 @@ std::vector<std::string> RecordingHost::eventKeys() const {
     return keys;
 }
 
+std::vector<std::string> RecordingHost::eventSummaries() const {
+    static const char* const severities[] = {"WARNING", "INFORMATIVE", "ERROR"};
+    std::vector<std::string> summaries;
+    for (const EventReport& event : events()) {
+        std::string text = std::string(severities[static_cast<int>(event.severity)]) + " " +
+                           event.key + "@" + event.source;
+        for (std::size_t i = 0; i < event.variables.size(); ++i) {
+            text += (i == 0 ? "{" : ",") + utf8(event.variables[i].first) + "=" +
+                    utf8(event.variables[i].second.toString());
+        }
+        summaries.push_back(event.variables.empty() ? text : text + "}");
+    }
+    return summaries;
+}
+
 std::vector<unsigned int> RecordingHost::percents() const {
     std::vector<unsigned int> values;
     for (const PercentReport& report : all<PercentReport>()) values.push_back(report.percent);

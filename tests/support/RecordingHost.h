@@ -119,6 +119,9 @@ public:
     std::vector<EventReport> events() const { return all<EventReport>(); }
     std::vector<EventReport> eventsWithKey(const std::string& key) const;
     std::vector<std::string> eventKeys() const;  // every event's key in order
+    // Every event in order as "SEVERITY KEY@source{Name=Value,...}" (no braces without
+    // variables), to compare whole sequences at once.
+    std::vector<std::string> eventSummaries() const;
     std::vector<ProgressReport> progressReports() const { return all<ProgressReport>(); }
     std::vector<unsigned int> percents() const;  // every percentDone value in order
     std::optional<unsigned int> lastPercent() const;
