@@ -104,20 +104,12 @@ void RecordingHost::clear() {
 
 void RecordingHost::stopAfterPolls(unsigned int polls) {
     std::lock_guard<std::recursive_mutex> lock(mutex_);
-    stopPredicate_ = nullptr;
     pollsBeforeStop_ = polls;
-}
-
-void RecordingHost::stopWhen(std::function<bool(const RecordingHost&)> predicate) {
-    std::lock_guard<std::recursive_mutex> lock(mutex_);
-    pollsBeforeStop_.reset();
-    stopPredicate_ = std::move(predicate);
 }
 
 void RecordingHost::neverStop() {
     std::lock_guard<std::recursive_mutex> lock(mutex_);
     pollsBeforeStop_.reset();
-    stopPredicate_ = nullptr;
 }
 
 void RecordingHost::queueAnswers(std::vector<int> answers) {
@@ -179,12 +171,10 @@ void RecordingHost::estimatedTimeLeft(unsigned int seconds) {
 bool RecordingHost::stopRequested() {
     std::lock_guard<std::recursive_mutex> lock(mutex_);
     ++polls_;
-    if (pollsBeforeStop_) {
-        if (*pollsBeforeStop_ == 0) return true;
-        --*pollsBeforeStop_;
-        return false;
-    }
-    return stopPredicate_ && stopPredicate_(*this);
+    if (!pollsBeforeStop_) return false;
+    if (*pollsBeforeStop_ == 0) return true;
+    --*pollsBeforeStop_;
+    return false;
 }
 
 bool RecordingHost::showMessageBox(const quel5::MessageBox2& box, int* answer) {

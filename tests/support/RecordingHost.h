@@ -15,7 +15,6 @@
 
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -137,9 +136,6 @@ public:
     // From now on the next `polls` polls answer false, every later one true (0: stop at the
     // next poll). Replaces any earlier stop script.
     void stopAfterPolls(unsigned int polls);
-    // Each poll answers `predicate(*this)`; the predicate may query this host (stopPolls()
-    // already counts the poll being answered). Replaces any earlier stop script.
-    void stopWhen(std::function<bool(const RecordingHost&)> predicate);
     // Polls answer false again (the default).
     void neverStop();
 
@@ -167,11 +163,10 @@ public:
 private:
     void record(Report report);
 
-    mutable std::recursive_mutex mutex_;  // recursive: a stop predicate queries the host
+    mutable std::recursive_mutex mutex_;  // recursive: queries build on each other
     std::vector<Report> reports_;
     unsigned int polls_ = 0;
     std::optional<unsigned int> pollsBeforeStop_;
-    std::function<bool(const RecordingHost&)> stopPredicate_;
     std::deque<int> answers_;
     int defaultAnswer_;
     bool canShowMessageBoxes_ = true;
