@@ -121,6 +121,10 @@ public:
     // Every event in order as "SEVERITY KEY@source{Name=Value,...}" (no braces without
     // variables), to compare whole sequences at once.
     std::vector<std::string> eventSummaries() const;
+    // Every report in order as a line of text: "SEVERITY KEY@source:line{...}" for an event,
+    // "progress TEXT" (or "progress every N ms TEXT"), "percent N", "reset percent",
+    // "time left N", "message box MESSAGE", "cancel MESSAGE", "library NAME".
+    std::vector<std::string> timeline() const;
     std::vector<ProgressReport> progressReports() const { return all<ProgressReport>(); }
     std::vector<unsigned int> percents() const;  // every percentDone value in order
     std::optional<unsigned int> lastPercent() const;
