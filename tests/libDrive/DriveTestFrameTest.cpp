@@ -16,14 +16,11 @@ class FrameProbe : public kivrlibdrive::DriveTest {
 public:
     using DriveTest::DriveTest;
     using DriveTest::Initialize;
-    uint64_t start() const { return startSector; }
-    uint64_t end() const { return endSector; }
-    uint64_t jump() const { return jumpCount; }
-    uint64_t seeks() const { return numberOfSeeks; }
-    uint64_t toTest() const { return sectorsToTest; }
-    uint64_t capacity() const { return totalSectors; }
-    uint32_t sectorBytes() const { return bytesPerSector; }
-    uint32_t limit() const { return errorLimit; }
+    // Start, end, jump, seeks, sectors to test, capacity, bytes per sector, error limit.
+    std::vector<uint64_t> state() const {
+        return {startSector,   endSector,    jumpCount,      numberOfSeeks,
+                sectorsToTest, totalSectors, bytesPerSector, errorLimit};
+    }
 };
 
 class DriveTestFrame : public drivetests::DriveTestFixture {
@@ -136,16 +133,10 @@ TEST_F(DriveTestFrame, InitializeTakesTheRangeAndClearsTheErrorLimit) {
         for (const auto& [key, text] : c.parameters) set(key, text);
         sim::SimulatedDrive drive(device, drivetests::driveOf(c.total, c.bytesPerSector));
         FrameProbe test(drive);
-        EXPECT_EQ(test.limit(), 7u);
+        EXPECT_EQ(test.state().back(), 7u) << "the error limit as constructed";
         EXPECT_EQ(test.Initialize(), TestResult::PASS);
-        EXPECT_EQ(test.start(), c.start);
-        EXPECT_EQ(test.end(), c.end);
-        EXPECT_EQ(test.jump(), c.jump);
-        EXPECT_EQ(test.seeks(), c.seeks);
-        EXPECT_EQ(test.toTest(), c.toTest);
-        EXPECT_EQ(test.capacity(), c.total);
-        EXPECT_EQ(test.sectorBytes(), c.bytesPerSector);
-        EXPECT_EQ(test.limit(), 0u);
+        EXPECT_EQ(test.state(), (std::vector<uint64_t>{c.start, c.end, c.jump, c.seeks, c.toTest,
+                                                       c.total, c.bytesPerSector, 0}));
         EXPECT_TRUE(host.events().empty());
     }
 }
