@@ -104,7 +104,8 @@ TEST_F(ImageFileReadAheadTest, ReadsOffAStreamAreNotReadAhead) {
     TempImage image("random", 4 * kMiB + kSector, ImageFill::OffsetBytes);
     OpenedDrive drive(image.text());
     std::vector<unsigned char> buffer(8 * kSector);
-    for (uint64_t sector : {4000, 17, 7000, 96, 2500, 8100, 3, 6666, 1234}) {
+    const uint64_t sectors[] = {4000, 17, 7000, 96, 2500, 8100, 3, 6666, 1234};
+    for (const uint64_t sector : sectors) {
         ASSERT_EQ(drive->ReadSectors(sector, 8, buffer.data(), 8 * kSector), TestResult::PASS);
         EXPECT_EQ(buffer, imageBytes(sector * kSector, 8 * kSector)) << "sector " << sector;
     }
