@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "drives/BlockDeviceDrive.h"
+#include "blockdrive/BlockDriveTestSupport.h"
 #include "support/RecordingHost.h"
 #include "support/TempFile.h"
 
@@ -22,6 +22,8 @@ inline void PrintTo(const TestResult& result, std::ostream* out) { *out << resul
 
 namespace {
 
+using blockdrivetest::deviceAt;
+using blockdrivetest::OpenedDrive;
 using quel5::TestResult;
 using testsupport::imageBytes;
 using testsupport::ImageFill;
@@ -69,20 +71,6 @@ private:
     uint8_t* block_;
 };
 
-quel5::DiagDevice deviceFor(const TempImage& image, uint32_t bytesPerSector = 0) {
-    quel5::DiagDevice device(QuelString(image.text().c_str()));
-    if (bytesPerSector != 0) {
-        device.setProperty(L"BytesPerSector", quel5::Value(bytesPerSector));
-    }
-    return device;
-}
-
-std::unique_ptr<host::BlockDeviceDrive> openDrive(const quel5::DiagDevice& device) {
-    auto drive = std::make_unique<host::BlockDeviceDrive>(device);
-    EXPECT_EQ(drive->OpenDevice(), TestResult::PASS) << drive->lastError();
-    return drive;
-}
-
 // Bytes `replacement` put at `offset` into `original`.
 std::vector<uint8_t> patched(std::vector<uint8_t> original, uint64_t offset,
                              const std::vector<uint8_t>& replacement) {
@@ -120,8 +108,7 @@ TEST_F(BlockDeviceDriveTest, GeometryFollowsFileSizeAndSectorSizeProperty) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         TempImage image("geometry", c.fileBytes, ImageFill::OffsetBytes);
-        const quel5::DiagDevice device = deviceFor(image, c.sectorSizeProperty);
-        auto drive = openDrive(device);
+        OpenedDrive drive(image.text(), c.sectorSizeProperty);
         EXPECT_EQ(drive->GetBytesPerSector(), c.bytesPerSector);
         EXPECT_EQ(drive->GetTotalSectors(), c.totalSectors);
         EXPECT_EQ(drive->GetOptimalReadAmount(), c.optimalReadAmount);
@@ -181,8 +168,7 @@ TEST_F(BlockDeviceDriveTest, ReadsReturnTheImageBytesAtTheSectorsAsked) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const quel5::DiagDevice device = deviceFor(image, c.bytesPerSector);
-        auto drive = openDrive(device);
+        OpenedDrive drive(image.text(), c.bytesPerSector);
         const unsigned int sectors = c.bufferSectors != 0 ? c.bufferSectors : c.count;
         TestBuffer buffer(size_t{sectors} * c.bytesPerSector, c.misalignment);
         ASSERT_EQ(drive->ReadSectors(c.start, c.count, buffer.data(), buffer.size()),
@@ -196,8 +182,7 @@ TEST_F(BlockDeviceDriveTest, ReadsReturnTheImageBytesAtTheSectorsAsked) {
 
 TEST_F(BlockDeviceDriveTest, RequestsOutsideTheDeviceOrBufferFailUntouched) {
     TempImage image("range", kMiB, ImageFill::OffsetBytes);  // 2048 sectors of 512
-    const quel5::DiagDevice device = deviceFor(image);
-    auto drive = openDrive(device);
+    OpenedDrive drive(image.text());
     // The image is locked through the drive's own handle, so writes are refused only for
     // lying outside the device.
     ASSERT_EQ(drive->lock(), TestResult::PASS);
@@ -236,8 +221,7 @@ TEST_F(BlockDeviceDriveTest, RequestsOutsideTheDeviceOrBufferFailUntouched) {
 
 TEST_F(BlockDeviceDriveTest, WritesLandOnlyWhileLocked) {
     TempImage image("write", 2 * kMiB, ImageFill::OffsetBytes);  // 4096 sectors of 512
-    const quel5::DiagDevice device = deviceFor(image);
-    auto drive = openDrive(device);
+    OpenedDrive drive(image.text());
     struct Step {
         const char* name;
         enum { Write, Lock, Unlock } action;
@@ -292,9 +276,8 @@ TEST_F(BlockDeviceDriveTest, WritesLandOnlyWhileLocked) {
 
 TEST_F(BlockDeviceDriveTest, LockRefusedWhileAnotherHolderHasTheImage) {
     TempImage image("busy", kMiB, ImageFill::OffsetBytes);
-    const quel5::DiagDevice device = deviceFor(image);
-    auto first = openDrive(device);
-    auto second = openDrive(device);
+    OpenedDrive first(image.text());
+    OpenedDrive second(image.text());
     ASSERT_EQ(first->lock(), TestResult::PASS);
     EXPECT_EQ(second->lock(), TestResult::DEVICEBUSY);
     EXPECT_EQ(host_.eventKeys(), std::vector<std::string>{"DeviceBusy"});
@@ -316,8 +299,7 @@ TEST_F(BlockDeviceDriveTest, ReadOnlyImageIsWriteProtectedAndNeverWritten) {
                                      std::filesystem::perms::group_write |
                                      std::filesystem::perms::others_write,
                                  std::filesystem::perm_options::remove);
-    const quel5::DiagDevice device = deviceFor(image);
-    auto drive = openDrive(device);
+    OpenedDrive drive(image.text());
     EXPECT_TRUE(drive->IsWriteProtected());
     // Refused before any write, so that a test never counts failed writes instead.
     EXPECT_EQ(drive->lock(), TestResult::DEVICEBUSY);
@@ -348,7 +330,7 @@ bool handleWrites(kivrlibdrive::Drive& drive) {
 // drive must read and write through that one handle, and be read-only again after unLock().
 TEST_F(BlockDeviceDriveTest, WhileLockedEveryTransferUsesTheHandleTheLockWasTakenWith) {
     TempImage image("lockhandle", kMiB, ImageFill::OffsetBytes);
-    const quel5::DiagDevice device = deviceFor(image);
+    const quel5::DiagDevice device = deviceAt(image.text());
     LockHandleDrive drive(device);
     ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
     struct Step {
@@ -396,8 +378,7 @@ TEST_F(BlockDeviceDriveTest, WhileLockedEveryTransferUsesTheHandleTheLockWasTake
 
 TEST_F(BlockDeviceDriveTest, HandleFollowsOpenAndClose) {
     TempImage image("handle", kMiB, ImageFill::OffsetBytes);
-    const quel5::DiagDevice device = deviceFor(image);
-    auto drive = openDrive(device);
+    OpenedDrive drive(image.text());
     std::vector<uint8_t> buffer(512);
     struct Step {
         const char* name;
@@ -426,7 +407,7 @@ TEST_F(BlockDeviceDriveTest, HandleFollowsOpenAndClose) {
 
 TEST_F(BlockDeviceDriveTest, HandleClosedBehindTheDrivesBackEndsTheTest) {
     TempImage image("gone", kMiB, ImageFill::OffsetBytes);
-    const quel5::DiagDevice device = deviceFor(image);
+    const quel5::DiagDevice device = deviceAt(image.text());
     std::string error;
     std::unique_ptr<kivrlibdrive::Drive> drive = host::openBlockDrive(device, &error);
     ASSERT_NE(drive, nullptr) << error;

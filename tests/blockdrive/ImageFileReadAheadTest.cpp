@@ -10,12 +10,15 @@
 #include <string>
 #include <vector>
 
-#include "drives/BlockDeviceDrive.h"
+#include "blockdrive/BlockDriveTestSupport.h"
 #include "support/RecordingHost.h"
 #include "support/TempFile.h"
 
 namespace {
 
+using blockdrivetest::OpenedDrive;
+using blockdrivetest::sweep;
+using blockdrivetest::SweptBlock;
 using quel5::TestResult;
 using testsupport::imageBytes;
 using testsupport::ImageFill;
@@ -24,42 +27,10 @@ using testsupport::TempImage;
 constexpr uint64_t kMiB = 1024 * 1024;
 constexpr uint32_t kSector = 512;
 
-struct BlockRead {
-    uint64_t sector;
-    uint32_t count;
-    TestResult result;
-    bool dataRight;  // for PASS: the image's bytes at those sectors
-};
-
-// Reads `count` sectors every `stride` sectors from `start` to `end` (the last block cut at
-// `end`) into one buffer, as the surface scan does.
-std::vector<BlockRead> sweep(host::BlockDeviceDrive& drive, uint64_t start, uint64_t end,
-                             uint64_t stride, uint32_t count) {
-    std::vector<BlockRead> reads;
-    auto buffer = std::make_unique<unsigned char[]>(size_t{count} * kSector);
-    for (uint64_t sector = start; sector < end; sector += stride) {
-        const auto sectors = static_cast<uint32_t>(std::min<uint64_t>(count, end - sector));
-        const TestResult result =
-            drive.ReadSectors(sector, sectors, buffer.get(), sectors * kSector);
-        const std::vector<uint8_t> expected = imageBytes(sector * kSector, sectors * kSector);
-        reads.push_back(
-            {sector, sectors, result, std::equal(expected.begin(), expected.end(), buffer.get())});
-    }
-    return reads;
-}
-
 class ImageFileReadAheadTest : public ::testing::Test {
 protected:
-    std::unique_ptr<host::BlockDeviceDrive> open(const TempImage& image) {
-        device_ = std::make_unique<quel5::DiagDevice>(QuelString(image.text().c_str()));
-        auto drive = std::make_unique<host::BlockDeviceDrive>(*device_);
-        EXPECT_EQ(drive->OpenDevice(), TestResult::PASS) << drive->lastError();
-        return drive;
-    }
-
     testsupport::RecordingHost host_;
     testsupport::ScopedHost installed_{host_};
-    std::unique_ptr<quel5::DiagDevice> device_;
 };
 
 TEST_F(ImageFileReadAheadTest, SweepsReadTheRightDataAheadOfEveryBlock) {
@@ -83,10 +54,10 @@ TEST_F(ImageFileReadAheadTest, SweepsReadTheRightDataAheadOfEveryBlock) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         TempImage image("sweep", c.imageBytes, ImageFill::OffsetBytes);
-        auto drive = open(image);
+        OpenedDrive drive(image.text());
         const uint64_t end = c.end == 0 ? drive->GetTotalSectors() : c.end;
-        const std::vector<BlockRead> reads = sweep(*drive, c.start, end, c.stride, c.count);
-        for (const BlockRead& read : reads) {
+        const std::vector<SweptBlock> reads = sweep(*drive, c.start, end, c.stride, c.count);
+        for (const SweptBlock& read : reads) {
             EXPECT_EQ(read.result, TestResult::PASS) << "sector " << read.sector;
             EXPECT_TRUE(read.dataRight) << "sector " << read.sector;
         }
@@ -110,11 +81,11 @@ TEST_F(ImageFileReadAheadTest, ImageCutShortFailsTheBlocksPastItsEndInOrder) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         TempImage image("cut", 4 * kMiB, ImageFill::OffsetBytes);
-        auto drive = open(image);
+        OpenedDrive drive(image.text());
         std::filesystem::resize_file(image.path(), c.newSize);
-        const std::vector<BlockRead> reads = sweep(*drive, 0, drive->GetTotalSectors(), 64, 64);
+        const std::vector<SweptBlock> reads = sweep(*drive, 0, drive->GetTotalSectors(), 64, 64);
         ASSERT_EQ(reads.size(), 128u);
-        for (const BlockRead& read : reads) {
+        for (const SweptBlock& read : reads) {
             const bool whole = (read.sector + read.count) * kSector <= c.newSize;
             EXPECT_EQ(read.result, whole ? TestResult::PASS : TestResult::FAIL)
                 << "sector " << read.sector;
@@ -127,28 +98,19 @@ TEST_F(ImageFileReadAheadTest, ImageCutShortFailsTheBlocksPastItsEndInOrder) {
     }
 }
 
+// Which request patterns count as a stream is ReadAhead's own rule (see ReadAheadTest); here
+// only that the drive asks it.
 TEST_F(ImageFileReadAheadTest, ReadsOffAStreamAreNotReadAhead) {
-    struct Case {
-        const char* name;
-        std::vector<uint64_t> sectors;  // 8 sectors read at each
-    };
-    const Case cases[] = {
-        {"random", {4000, 17, 7000, 96, 2500, 8100, 3, 6666, 1234}},
-        {"downward", {8000, 7992, 7984, 7976, 7968, 7960}},
-        {"growing gaps", {0, 16, 40, 72, 112, 160, 216}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        TempImage image("random", 4 * kMiB + kSector, ImageFill::OffsetBytes);
-        auto drive = open(image);
-        std::vector<unsigned char> buffer(8 * kSector);
-        for (uint64_t sector : c.sectors) {
-            ASSERT_EQ(drive->ReadSectors(sector, 8, buffer.data(), 8 * kSector), TestResult::PASS);
-            EXPECT_EQ(buffer, imageBytes(sector * kSector, 8 * kSector)) << "sector " << sector;
-        }
-        drive->CloseDevice();
-        EXPECT_EQ(drive->readAheadCounters().started, 0u);
+    TempImage image("random", 4 * kMiB + kSector, ImageFill::OffsetBytes);
+    OpenedDrive drive(image.text());
+    std::vector<unsigned char> buffer(8 * kSector);
+    const uint64_t sectors[] = {4000, 17, 7000, 96, 2500, 8100, 3, 6666, 1234};
+    for (const uint64_t sector : sectors) {
+        ASSERT_EQ(drive->ReadSectors(sector, 8, buffer.data(), 8 * kSector), TestResult::PASS);
+        EXPECT_EQ(buffer, imageBytes(sector * kSector, 8 * kSector)) << "sector " << sector;
     }
+    drive->CloseDevice();
+    EXPECT_EQ(drive->readAheadCounters().started, 0u);
 }
 
 TEST_F(ImageFileReadAheadTest, WritesUnderLockAreSeenByTheSweepAfterThem) {
@@ -164,7 +126,7 @@ TEST_F(ImageFileReadAheadTest, WritesUnderLockAreSeenByTheSweepAfterThem) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         TempImage image("write", 2 * kMiB, ImageFill::OffsetBytes);
-        auto drive = open(image);
+        OpenedDrive drive(image.text());
         // Locked first: lock() changes the drive's handle, which starts read-ahead afresh.
         ASSERT_EQ(drive->lock(), TestResult::PASS);
         sweep(*drive, 0, 4 * 64, 64, 64);

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "drives/BlockDeviceDrive.h"
+#include "blockdrive/BlockDriveTestSupport.h"
 #include "drives/ReadAhead.h"
 #include "support/LoopDevice.h"
 #include "support/RecordingHost.h"
@@ -14,6 +14,9 @@
 
 namespace {
 
+using blockdrivetest::OpenedDrive;
+using blockdrivetest::sweep;
+using blockdrivetest::SweptBlock;
 using quel5::TestResult;
 using testsupport::imageBytes;
 using testsupport::ImageFill;
@@ -48,28 +51,26 @@ TEST_F(LoopDeviceDriveTest, GeometryAndDataComeFromTheKernelDevice) {
         SCOPED_TRACE(c.options);
         LoopDevice loop(image.text(), c.options);
         ASSERT_FALSE(loop.path().empty()) << "losetup " << c.options;
-        quel5::DiagDevice device(QuelString(loop.path().c_str()));
         // The kernel's sector size wins over what the device description says.
-        device.setProperty(L"BytesPerSector", quel5::Value(2048u));
-        host::BlockDeviceDrive drive(device);
-        ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
-        EXPECT_EQ(drive.GetBytesPerSector(), c.bytesPerSector);
-        EXPECT_EQ(drive.GetTotalSectors(), kImageBytes / c.bytesPerSector);
-        EXPECT_TRUE(drive.usesDirectIo());
-        EXPECT_EQ(drive.IsWriteProtected(), c.writeProtected);
-        const uint64_t last = drive.GetTotalSectors() - 1;
+        OpenedDrive drive(loop.path(), 2048);
+        EXPECT_EQ(drive->GetBytesPerSector(), c.bytesPerSector);
+        EXPECT_EQ(drive->GetTotalSectors(), kImageBytes / c.bytesPerSector);
+        EXPECT_TRUE(drive->usesDirectIo());
+        EXPECT_EQ(drive->IsWriteProtected(), c.writeProtected);
+        const uint64_t last = drive->GetTotalSectors() - 1;
         for (uint64_t sector : {uint64_t{0}, uint64_t{3}, last}) {
             // One byte in: the drive must bounce through an aligned buffer.
             std::vector<uint8_t> block(c.bytesPerSector + 1);
-            ASSERT_EQ(drive.ReadSectors(sector, 1, block.data() + 1, c.bytesPerSector),
+            ASSERT_EQ(drive->ReadSectors(sector, 1, block.data() + 1, c.bytesPerSector),
                       TestResult::PASS)
-                << drive.lastError();
+                << drive->lastError();
             EXPECT_EQ(std::vector<uint8_t>(block.begin() + 1, block.end()),
                       imageBytes(sector * c.bytesPerSector, c.bytesPerSector))
                 << "sector " << sector;
         }
         std::vector<uint8_t> block(c.bytesPerSector);
-        EXPECT_EQ(drive.ReadSectors(last + 1, 1, block.data(), c.bytesPerSector), TestResult::FAIL);
+        EXPECT_EQ(drive->ReadSectors(last + 1, 1, block.data(), c.bytesPerSector),
+                  TestResult::FAIL);
     }
 }
 
@@ -77,15 +78,13 @@ TEST_F(LoopDeviceDriveTest, WriteUnderLockReachesTheBackingImage) {
     TempImage image("loopwrite", kImageBytes, ImageFill::OffsetBytes);
     LoopDevice loop(image.text(), "--direct-io=on");
     ASSERT_FALSE(loop.path().empty());
-    quel5::DiagDevice device(QuelString(loop.path().c_str()));
-    host::BlockDeviceDrive drive(device);
-    ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
+    OpenedDrive drive(loop.path());
     const std::vector<uint8_t> data(2 * 512, 0xC3);
-    EXPECT_EQ(drive.WriteSectors(9, 2, data.data(), 1024), TestResult::DEVICEBUSY);
-    ASSERT_EQ(drive.lock(), TestResult::PASS);
-    EXPECT_EQ(drive.WriteSectors(9, 2, data.data(), 1024), TestResult::PASS) << drive.lastError();
-    EXPECT_EQ(drive.FlushCache(), TestResult::PASS);
-    drive.unLock();
+    EXPECT_EQ(drive->WriteSectors(9, 2, data.data(), 1024), TestResult::DEVICEBUSY);
+    ASSERT_EQ(drive->lock(), TestResult::PASS);
+    EXPECT_EQ(drive->WriteSectors(9, 2, data.data(), 1024), TestResult::PASS) << drive->lastError();
+    EXPECT_EQ(drive->FlushCache(), TestResult::PASS);
+    drive->unLock();
     std::vector<uint8_t> expected = imageBytes(0, kImageBytes);
     std::copy(data.begin(), data.end(), expected.begin() + 9 * 512);
     EXPECT_EQ(image.bytes(), expected);
@@ -95,9 +94,7 @@ TEST_F(LoopDeviceDriveTest, SectorsLostWhenTheDeviceShrinksFailWithoutEndingTheT
     TempImage image("loopshrink", kImageBytes, ImageFill::OffsetBytes);
     LoopDevice loop(image.text(), "--direct-io=on");
     ASSERT_FALSE(loop.path().empty());
-    quel5::DiagDevice device(QuelString(loop.path().c_str()));
-    host::BlockDeviceDrive drive(device);
-    ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
+    OpenedDrive drive(loop.path());
     std::filesystem::resize_file(image.path(), kImageBytes / 2);
     ASSERT_TRUE(testsupport::succeeds("losetup -c " + loop.path()));
     struct Case {
@@ -113,31 +110,11 @@ TEST_F(LoopDeviceDriveTest, SectorsLostWhenTheDeviceShrinksFailWithoutEndingTheT
     for (const Case& c : cases) {
         SCOPED_TRACE(c.sector);
         std::vector<uint8_t> block(512);
-        EXPECT_EQ(drive.ReadSectors(c.sector, 1, block.data(), 512), c.expected)
-            << drive.lastError();
+        EXPECT_EQ(drive->ReadSectors(c.sector, 1, block.data(), 512), c.expected)
+            << drive->lastError();
     }
-    EXPECT_EQ(drive.VerifySectors(0, 2048), TestResult::PASS);
-    EXPECT_EQ(drive.VerifySectors(8000, 400), TestResult::FAIL);
-}
-
-// Reads `count` sectors of `bytesPerSector` every `count` sectors from `start` to `end`, the way
-// the surface scan does; each block's result, and whether a passed block held the image's bytes.
-struct SweptBlock {
-    uint64_t sector;
-    TestResult result;
-    bool dataRight;
-};
-std::vector<SweptBlock> sweep(host::BlockDeviceDrive& drive, uint64_t start, uint64_t end,
-                              uint32_t count, uint32_t bytesPerSector) {
-    std::vector<SweptBlock> blocks;
-    std::vector<uint8_t> buffer(size_t{count} * bytesPerSector);
-    for (uint64_t sector = start; sector < end; sector += count) {
-        const TestResult result =
-            drive.ReadSectors(sector, count, buffer.data(), static_cast<unsigned>(buffer.size()));
-        blocks.push_back(
-            {sector, result, buffer == imageBytes(sector * bytesPerSector, buffer.size())});
-    }
-    return blocks;
+    EXPECT_EQ(drive->VerifySectors(0, 2048), TestResult::PASS);
+    EXPECT_EQ(drive->VerifySectors(8000, 400), TestResult::FAIL);
 }
 
 TEST_F(LoopDeviceDriveTest, SweepsReadAheadTheKernelDevicesData) {
@@ -157,17 +134,15 @@ TEST_F(LoopDeviceDriveTest, SweepsReadAheadTheKernelDevicesData) {
         SCOPED_TRACE(testing::Message() << c.options << ", blocks of " << c.count);
         LoopDevice loop(image.text(), c.options);
         ASSERT_FALSE(loop.path().empty()) << "losetup " << c.options;
-        quel5::DiagDevice device(QuelString(loop.path().c_str()));
-        host::BlockDeviceDrive drive(device);
-        ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
-        const uint64_t total = drive.GetTotalSectors();
+        OpenedDrive drive(loop.path());
+        const uint64_t total = drive->GetTotalSectors();
         const std::vector<SweptBlock> blocks =
-            sweep(drive, 0, total / c.count * c.count, c.count, c.bytesPerSector);
+            sweep(*drive, 0, total / c.count * c.count, c.count, c.count, c.bytesPerSector);
         for (const SweptBlock& block : blocks) {
             EXPECT_EQ(block.result, TestResult::PASS) << "sector " << block.sector;
             EXPECT_TRUE(block.dataRight) << "sector " << block.sector;
         }
-        const host::ReadAheadCounters counters = drive.readAheadCounters();
+        const host::ReadAheadCounters counters = drive->readAheadCounters();
         EXPECT_EQ(counters.served, blocks.size() - 2);
         EXPECT_EQ(counters.discarded, 0u);
     }
@@ -191,26 +166,24 @@ TEST_F(LoopDeviceDriveTest, DeviceShrunkDuringASweepFailsTheLostBlocksInOrder) {
         TempImage image("loopcut", kImageBytes, ImageFill::OffsetBytes);
         LoopDevice loop(image.text(), "--direct-io=on");
         ASSERT_FALSE(loop.path().empty());
-        quel5::DiagDevice device(QuelString(loop.path().c_str()));
-        host::BlockDeviceDrive drive(device);
-        ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
+        OpenedDrive drive(loop.path());
         constexpr uint32_t kCount = 128;
-        std::vector<SweptBlock> blocks = sweep(drive, 0, 4 * kCount, kCount, 512);
+        std::vector<SweptBlock> blocks = sweep(*drive, 0, 4 * kCount, kCount, kCount);
         std::filesystem::resize_file(image.path(), c.newBytes);
         ASSERT_TRUE(testsupport::succeeds("losetup -c " + loop.path()));
         const std::vector<SweptBlock> rest =
-            sweep(drive, 4 * kCount, drive.GetTotalSectors(), kCount, 512);
+            sweep(*drive, 4 * kCount, drive->GetTotalSectors(), kCount, kCount);
         blocks.insert(blocks.end(), rest.begin(), rest.end());
         ASSERT_EQ(blocks.size(), kImageBytes / (kCount * 512));
         for (const SweptBlock& block : blocks) {
             const bool kept = (block.sector + kCount) * 512 <= c.newBytes;
             EXPECT_EQ(block.result, kept ? TestResult::PASS : TestResult::FAIL)
-                << "sector " << block.sector << ": " << drive.lastError();
+                << "sector " << block.sector << ": " << drive->lastError();
             if (kept) {
                 EXPECT_TRUE(block.dataRight) << "sector " << block.sector;
             }
         }
-        EXPECT_GT(drive.readAheadCounters().served, blocks.size() / 2);
+        EXPECT_GT(drive->readAheadCounters().served, blocks.size() / 2);
     }
 }
 
@@ -218,19 +191,17 @@ TEST_F(LoopDeviceDriveTest, ReadOnlyDeviceRefusesTheLockBeforeAnyWrite) {
     TempImage image("loopro", kImageBytes, ImageFill::OffsetBytes);
     LoopDevice loop(image.text(), "--read-only");
     ASSERT_FALSE(loop.path().empty());
-    quel5::DiagDevice device(QuelString(loop.path().c_str()));
-    host::BlockDeviceDrive drive(device);
-    ASSERT_EQ(drive.OpenDevice(), TestResult::PASS) << drive.lastError();
-    ASSERT_TRUE(drive.IsWriteProtected());
+    OpenedDrive drive(loop.path());
+    ASSERT_TRUE(drive->IsWriteProtected());
     const unsigned long long writesBefore = loop.writesDone();
 
-    EXPECT_EQ(drive.lock(), TestResult::DEVICEBUSY);
+    EXPECT_EQ(drive->lock(), TestResult::DEVICEBUSY);
     EXPECT_EQ(host_.eventKeys(), std::vector<std::string>{"DeviceBusy"});
-    EXPECT_EQ(drive.lockFailure(), loop.path() + " is read-only (write-protected)");
+    EXPECT_EQ(drive->lockFailure(), loop.path() + " is read-only (write-protected)");
     const std::vector<uint8_t> data(512, 0x3C);
-    EXPECT_EQ(drive.WriteSectors(1, 1, data.data(), 512), TestResult::DEVICEBUSY)
+    EXPECT_EQ(drive->WriteSectors(1, 1, data.data(), 512), TestResult::DEVICEBUSY)
         << "a refused lock leaves nothing locked";
-    drive.unLock();
+    drive->unLock();
     EXPECT_EQ(loop.writesDone(), writesBefore);
     EXPECT_EQ(image.bytes(), imageBytes(0, kImageBytes));
 }

@@ -12,26 +12,22 @@
 
 #include "ReadOnlyTestSupport.h"
 #include "libDrive/FunnelSeekTest.h"
-#include "support/ErrorCases.h"
 
 namespace {
 
 using testsupport::ErrorCase;
-using testsupport::ErrorOutcome;
-using testsupport::runErrorCases;
 
 using drivetests::CallRecordingDrive;
 using drivetests::DirectRange;
 using drivetests::driveOf;
+using drivetests::ExitCase;
 using drivetests::ScriptedDrive;
+using drivetests::StopCase;
 using quel5::TestResult;
 
 using drivetests::Parameters;
 
-class FunnelSeek : public drivetests::ReadOnlyFixture<kivrlibdrive::CFunnelSeekTest> {
-protected:
-    quel5::DiagDevice device{L"sim:funnel"};
-};
+using FunnelSeek = drivetests::ReadOnlyFixture<kivrlibdrive::CFunnelSeekTest>;
 
 // Low and high sectors of every pair, in order, for start S, end E, jump J.
 std::vector<uint64_t> funnel(uint64_t start, uint64_t end, uint64_t jump) {
@@ -83,65 +79,23 @@ TEST_F(FunnelSeek, ReadsPairsFromBothEndsMovingInwardAndOutAgain) {
     }
 }
 
-struct ExitCase {
-    const char* name;
-    uint32_t bytesPerSector;
-    std::optional<DirectRange> range;
-    std::function<void(ScriptedDrive&)> arrange;
-    TestResult result;
-    unsigned passes;
-    std::vector<std::string> events;  // "KEY@line", from libDrive/FunnelSeekTest
-    std::vector<uint64_t> reads;
-};
-
 TEST_F(FunnelSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
-    const auto nothing = [](ScriptedDrive&) {};
+    std::vector<uint64_t> twoPasses = funnel(0, 10, 1);
+    twoPasses.insert(twoPasses.end(), twoPasses.begin(), twoPasses.end());
     // clang-format off
     const ExitCase cases[] = {
-        {"no handle", 512, {}, [](ScriptedDrive& d) { d.switches().invalidHandle = true; },
-         TestResult::NODEVICE, 0, {}, {}},
-        {"media check fails", 512, {},
-         [](ScriptedDrive& d) {
-             d.switches().needsMediaCheck = true;
-             d.switches().checkMediaResult = TestResult::NOMEDIA;
-         },
-         TestResult::NOMEDIA, 1, {}, {}},
-        {"empty range", 512, DirectRange{30, 30, 1}, nothing,
-         TestResult::BADPARAMS, 1, {"TOTAL_SECTOR_GREATER_THAN_ZERO@126"}, {}},
-        {"sector size 0", 0, {}, nothing, TestResult::INTERNALERROR, 1, {"INVALID_BUFFER_SIZE@144"}, {}},
-        {"high read ends the test", 512, {},
-         [](ScriptedDrive& d) { d.injectFault(8, sim::SectorFault::ReadInternalError); },
-         TestResult::INTERNALERROR, 1, {}, {0, 9, 1, 8}},
-        {"low read ends the test", 512, {},
-         [](ScriptedDrive& d) { d.injectFault(2, sim::SectorFault::ReadInternalError); },
-         TestResult::INTERNALERROR, 1, {}, {0, 9, 1, 8, 2}},
-        {"failed twice", 512, {},
-         [](ScriptedDrive& d) {
-             d.injectFault(3, sim::SectorFault::ReadFails);
-             d.switches().rerunAllowed = true;
-             d.switches().confirmRerun = true;
-         },
-         TestResult::FAIL, 2, {"RERUN_TEST@76"}, {}},
+        {.name = "no handle", .arrange = drivetests::noHandle, .result = TestResult::NODEVICE, .passes = 0},
+        {.name = "media check fails", .arrange = drivetests::mediaCheckFails, .result = TestResult::NOMEDIA},
+        {.name = "empty range", .range = DirectRange{30, 30, 1}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO@126"}},
+        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE@144"}},
+        {.name = "high read ends the test", .arrange = drivetests::readEndsTheTest(8), .result = TestResult::INTERNALERROR, .reads = {0, 9, 1, 8}},
+        {.name = "low read ends the test", .arrange = drivetests::readEndsTheTest(2), .result = TestResult::INTERNALERROR, .reads = {0, 9, 1, 8, 2}},
+        {.name = "failed twice", .arrange = drivetests::failsAndIsRerun(3), .result = TestResult::FAIL, .passes = 2,
+         .events = {"RERUN_TEST@76"}, .reads = twoPasses},
     };
     // clang-format on
-    for (const ExitCase& c : cases) {
-        SCOPED_TRACE(c.name);
-        reset({{"EndRange", "10"}, {"NumberOfSeeks", "10"}});
-        ScriptedDrive drive(device, driveOf(100, c.bytesPerSector));
-        c.arrange(drive);
-
-        EXPECT_EQ(run(drive, c.range), c.result);
-
-        EXPECT_EQ(drive.counters().lockTray, c.passes);
-        EXPECT_EQ(drive.counters().unlockTray, c.passes);
-        EXPECT_EQ(eventsFrom("libDrive/FunnelSeekTest"), c.events);
-        if (!c.reads.empty()) {
-            EXPECT_EQ(drive.readSectors(), c.reads);
-        }
-        if (c.result == TestResult::INTERNALERROR) {
-            EXPECT_NE(host.lastPercent(), std::optional<unsigned>(100));
-        }
-    }
+    runExitCases(cases, {{"EndRange", "10"}, {"NumberOfSeeks", "10"}}, driveOf(100),
+                 "libDrive/FunnelSeekTest");
 }
 
 TEST_F(FunnelSeek, BothReadsOfAPairCountAgainstThePairs) {
@@ -155,14 +109,7 @@ TEST_F(FunnelSeek, BothReadsOfAPairCountAgainstThePairs) {
         {"more errors than pairs", {{"MaxErrors", "0"}, {"MinErrorPercentage", "50"}}, funnel(0, 10, 1), TestResult::PASS, 20, {"TEST_PASSED_WITH_ERRORS"}, "200.00"},
     };
     // clang-format on
-    runErrorCases(cases, host, [&](const ErrorCase& c) {
-        reset({{"EndRange", "10"}, {"NumberOfSeeks", "10"}});
-        for (const auto& [key, text] : c.parameters) set(key, text);
-        CallRecordingDrive drive(device, driveOf(100));
-        for (const uint64_t sector : c.failing)
-            drive.injectFault(sector, sim::SectorFault::ReadFails);
-        return ErrorOutcome{run(drive), drive.operations().size()};
-    });
+    runErrorCases(cases, {{"EndRange", "10"}, {"NumberOfSeeks", "10"}}, driveOf(100));
 }
 
 TEST_F(FunnelSeek, ReportsBothSectorsAndTurnsOnceAtHalfWay) {
@@ -207,39 +154,21 @@ TEST_F(FunnelSeek, ReportsBothSectorsAndTurnsOnceAtHalfWay) {
 }
 
 TEST_F(FunnelSeek, StopRequestsAreSeenAtReports) {
-    const struct {
-        const char* name;
-        unsigned pollsBeforeStop;
-        std::vector<uint64_t> failing;
-        Parameters limits;
-        TestResult result;
-        std::size_t pairs;
-        unsigned prepares;
-    } cases[] = {
-        {"first report", 0, {}, {}, TestResult::USERABORTED, 52, 52},
-        {"past half-way", 30, {}, {}, TestResult::USERABORTED, 31 * 51 + 1, 31 * 51 + 2},
-        // clang-format off
-        {"with an error and no minimum", 0, {2999}, {{"MaxErrors", "10"}}, TestResult::FAIL, 52, 52},
-        {"with an error under a minimum", 0, {2999}, {{"MaxErrors", "10"}, {"MinErrorPercentage", "5"}}, TestResult::USERABORTED, 52, 52},
-        // clang-format on
+    // Reads come in pairs; one PrepareRead per pair, and one more once past half-way.
+    // clang-format off
+    const StopCase cases[] = {
+        {"first report", 0, {}, {}, TestResult::USERABORTED, 2 * 52},
+        {"past half-way", 30, {}, {}, TestResult::USERABORTED, 2 * (31 * 51 + 1)},
+        {"with an error and no minimum", 0, {{"MaxErrors", "10"}}, {2999}, TestResult::FAIL, 2 * 52},
+        {"with an error under a minimum", 0, {{"MaxErrors", "10"}, {"MinErrorPercentage", "5"}}, {2999}, TestResult::USERABORTED, 2 * 52},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        reset({{"EndRange", "3000"}, {"NumberOfSeeks", "3000"}});
-        for (const auto& [key, text] : c.limits) set(key, text);
-        host.stopAfterPolls(c.pollsBeforeStop);
-        CallRecordingDrive drive(device, driveOf(3000, 512, 10));
-        for (const uint64_t sector : c.failing)
-            drive.injectFault(sector, sim::SectorFault::ReadFails);
-
-        EXPECT_EQ(run(drive), c.result);
-
-        EXPECT_EQ(drive.operations().size(), 2 * c.pairs);
-        EXPECT_EQ(drive.counters().prepareRead, c.prepares);
-        EXPECT_EQ(host.stopPolls(), c.pollsBeforeStop + 1);
-        EXPECT_EQ(host.lastPercent(), std::optional<unsigned>(100));
-        EXPECT_EQ(drive.counters().unlockTray, 1u);
-    }
+    // clang-format on
+    runStopCases(cases, {{"EndRange", "3000"}, {"NumberOfSeeks", "3000"}}, driveOf(3000, 512, 10),
+                 [](const StopCase& c, ScriptedDrive& drive) {
+                     const std::size_t pairs = c.reads / 2;
+                     EXPECT_EQ(drive.counters().prepareRead,
+                               c.pollsBeforeStop > 0 ? pairs + 1 : pairs);
+                 });
 }
 
 }  // namespace

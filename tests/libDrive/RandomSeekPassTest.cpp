@@ -12,29 +12,25 @@
 
 #include "ReadOnlyTestSupport.h"
 #include "libDrive/RandomSeekTest.h"
-#include "support/ErrorCases.h"
 
 namespace {
 
 using testsupport::ErrorCase;
-using testsupport::ErrorOutcome;
-using testsupport::runErrorCases;
 
 using drivetests::CallRecordingDrive;
 using drivetests::DirectRange;
 using drivetests::driveOf;
+using drivetests::ExitCase;
 using drivetests::ScriptedDrive;
 using drivetests::SeedScript;
+using drivetests::StopCase;
 using quel5::TestResult;
 
 using drivetests::Parameters;
 
 const std::vector<uint32_t> kSeeds = {7, 19, 2024, 31337, 5, 88, 1234567, 42, 99991, 3};
 
-class RandomSeek : public drivetests::ReadOnlyFixture<kivrlibdrive::CRandomSeekTest> {
-protected:
-    quel5::DiagDevice device{L"sim:random"};
-};
+using RandomSeek = drivetests::ReadOnlyFixture<kivrlibdrive::CRandomSeekTest>;
 
 // The sectors `count` seeks read from [start, start + span] with the seeds of kSeeds.
 std::vector<uint64_t> drawnSectors(uint64_t start, uint64_t span, std::size_t count) {
@@ -127,110 +123,68 @@ TEST_F(RandomSeek, UnscriptedDrawsCoverTheWholeClosedRange) {
     EXPECT_EQ(seen, (std::set<uint64_t>{50, 51, 52, 53, 54}));
 }
 
-struct ExitCase {
-    const char* name;
-    uint32_t bytesPerSector;
-    Parameters parameters;
-    std::optional<DirectRange> range;
-    std::vector<uint32_t> seeds;
-    std::function<void(ScriptedDrive&)> arrange;
-    TestResult result;
-    unsigned passes;
-    std::vector<std::string> events;  // "KEY@line", from libDrive/RandomSeekTest
-    std::vector<uint64_t> reads;
-};
-
 TEST_F(RandomSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
-    const Parameters fiveSeeks = {{"StartRange", "10"}, {"EndRange", "20"}, {"NumberOfSeeks", "5"}};
-    const auto nothing = [](ScriptedDrive&) {};
-    const uint32_t zero = SeedScript::SeedDrawing(0, 1);
-    const uint32_t one = SeedScript::SeedDrawing(1, 1);
     const uint32_t at3 = SeedScript::SeedDrawing(3, 10);
     const uint32_t at5 = SeedScript::SeedDrawing(5, 10);
+    // The seeds `seeds`, then what `more` arranges.
+    const auto seeded = [](std::vector<uint32_t> seeds,
+                           std::function<void(ScriptedDrive&)> more = {}) {
+        return [seeds, more](ScriptedDrive& drive) {
+            SeedScript::restart(seeds);
+            if (more) more(drive);
+        };
+    };
+    const auto startIsEnd = [](uint64_t seeks) { return DirectRange{10, 10, 1, seeks}; };
+    const uint32_t zero = SeedScript::SeedDrawing(0, 1);
+    const uint32_t one = SeedScript::SeedDrawing(1, 1);
+    const std::vector<uint64_t> twoPassesAt15(10, 15);
     // clang-format off
     const ExitCase cases[] = {
-        {"no handle", 512, fiveSeeks, {}, {at3},
-         [](ScriptedDrive& d) { d.switches().invalidHandle = true; }, TestResult::NODEVICE, 0, {}, {}},
-        {"media check fails", 512, fiveSeeks, {}, {at3},
-         [](ScriptedDrive& d) {
-             d.switches().needsMediaCheck = true;
-             d.switches().checkMediaResult = TestResult::NOMEDIA;
-         },
-         TestResult::NOMEDIA, 1, {}, {}},
-        {"no number of seeks", 512, {{"SectorPercentToTest", "50"}}, {}, {at3}, nothing, TestResult::BADPARAMS, 1, {}, {}},
-        {"end below start", 512, {}, DirectRange{20, 10, 1, 5}, {at3}, nothing,
-         TestResult::BADPARAMS, 1, {"TOTAL_SECTOR_GREATER_THAN_ZERO@140"}, {}},
-        {"no seeks on a direct range", 512, {}, DirectRange{10, 20, 1, 0}, {at3}, nothing, TestResult::BADPARAMS, 1, {}, {}},
-        {"sector size 0", 0, fiveSeeks, {}, {at3}, nothing,
-         TestResult::INTERNALERROR, 1, {"INVALID_BUFFER_SIZE@185"}, {}},
-        {"start = end draws the start", 512, {}, DirectRange{10, 10, 1, 2}, {zero}, nothing, TestResult::PASS, 1, {}, {10, 10}},
-        {"start = end draws one past it", 512, {}, DirectRange{10, 10, 1, 3}, {zero, one}, nothing,
-         TestResult::INTERNALERROR, 1, {"TOTAL_SECTORS_GREATER_THAN_DIFFERENCE@234"}, {10}},
-        {"read ends the test", 512, fiveSeeks, {}, {at3, at3, at5},
-         [](ScriptedDrive& d) { d.injectFault(15, sim::SectorFault::ReadInternalError); },
-         TestResult::INTERNALERROR, 1, {}, {13, 13, 15}},
-        {"failed twice", 512, fiveSeeks, {}, {at5},
-         [](ScriptedDrive& d) {
-             d.injectFault(15, sim::SectorFault::ReadFails);
-             d.switches().rerunAllowed = true;
-             d.switches().confirmRerun = true;
-         },
-         TestResult::FAIL, 2, {"RERUN_TEST@92"}, std::vector<uint64_t>(10, 15)},
-        {"healed by the re-run", 512, fiveSeeks, {}, {at5},
-         [](ScriptedDrive& d) {
-             d.injectFault(15, sim::SectorFault::ReadFails);
-             d.switches().rerunAllowed = true;
-             d.switches().confirmRerun = true;
-             d.healOnConfirmedRerun = true;
-         },
-         TestResult::PASS, 2, {"RERUN_TEST@92"}, std::vector<uint64_t>(10, 15)},
+        {.name = "no handle", .arrange = drivetests::noHandle, .result = TestResult::NODEVICE, .passes = 0},
+        {.name = "media check fails", .arrange = drivetests::mediaCheckFails, .result = TestResult::NOMEDIA},
+        {.name = "no number of seeks", .parameters = {{"SectorPercentToTest", "50"}}, .result = TestResult::BADPARAMS},
+        {.name = "end below start", .range = DirectRange{20, 10, 1, 5}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO@140"}},
+        {.name = "no seeks on a direct range", .range = DirectRange{10, 20, 1, 0}, .result = TestResult::BADPARAMS},
+        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE@185"}},
+        {.name = "start = end draws the start", .arrange = seeded({zero}), .range = startIsEnd(2), .reads = {10, 10}},
+        {.name = "start = end draws one past it", .arrange = seeded({zero, one}), .range = startIsEnd(3),
+         .result = TestResult::INTERNALERROR, .events = {"TOTAL_SECTORS_GREATER_THAN_DIFFERENCE@234"}, .reads = {10}},
+        {.name = "read ends the test", .arrange = seeded({at3, at3, at5}, drivetests::readEndsTheTest(15)),
+         .result = TestResult::INTERNALERROR, .reads = {13, 13, 15}},
+        {.name = "failed twice", .arrange = seeded({at5}, drivetests::failsAndIsRerun(15)), .result = TestResult::FAIL, .passes = 2,
+         .events = {"RERUN_TEST@92"}, .reads = twoPassesAt15},
+        {.name = "healed by the re-run", .arrange = seeded({at5}, drivetests::failsAndIsRerun(15, true)), .passes = 2,
+         .events = {"RERUN_TEST@92"}, .reads = twoPassesAt15},
     };
     // clang-format on
-    for (const ExitCase& c : cases) {
-        SCOPED_TRACE(c.name);
-        reset(c.parameters);
-        SeedScript seeds(c.seeds);
-        ScriptedDrive drive(device, driveOf(100, c.bytesPerSector));
-        c.arrange(drive);
-
-        EXPECT_EQ(run(drive, c.range), c.result);
-
-        EXPECT_EQ(drive.counters().lockTray, c.passes);
-        EXPECT_EQ(drive.counters().unlockTray, c.passes);
-        EXPECT_EQ(eventsFrom("libDrive/RandomSeekTest"), c.events);
-        EXPECT_EQ(drive.readSectors(), c.reads);
-        const bool drawOutOfRange = std::count(c.events.begin(), c.events.end(),
-                                               "TOTAL_SECTORS_GREATER_THAN_DIFFERENCE@234") == 1;
-        EXPECT_EQ(wasLogged("libDrive.RandomSeekTest", 4,
-                            "233 Error in random number calculation. Generated a out of range "
-                            "random number."),
-                  drawOutOfRange);
-    }
+    SeedScript seeds({at3});
+    runExitCases(
+        cases, {{"StartRange", "10"}, {"EndRange", "20"}, {"NumberOfSeeks", "5"}}, driveOf(100),
+        "libDrive/RandomSeekTest", nullptr, [this](const ExitCase& c, ScriptedDrive&) {
+            const bool drawOutOfRange =
+                c.events == std::vector<std::string>{"TOTAL_SECTORS_GREATER_THAN_DIFFERENCE@234"};
+            EXPECT_EQ(wasLogged("libDrive.RandomSeekTest", 4,
+                                "233 Error in random number calculation. Generated a "
+                                "out of range random number."),
+                      drawOutOfRange);
+        });
 }
 
 TEST_F(RandomSeek, ErrorsAreCountedAgainstTheNumberOfSeeks) {
     // Ten seeks over [0, 1000]: the seeds of kSeeds decide which sectors they read.
     const std::vector<uint64_t> sectors = drawnSectors(0, 1000, 10);
-    const std::vector<uint64_t> all(sectors.begin(), sectors.end());
     const std::vector<uint64_t> firstTwo = {sectors[0], sectors[1]};
     // clang-format off
     const ErrorCase cases[] = {
         {"no minimum: one error fails", {{"MaxErrors", "10"}}, {sectors[4]}, TestResult::FAIL, 10, {}, ""},
-        {"stop at MaxErrors", {{"MaxErrors", "3"}}, all, TestResult::FAIL, 3, {"MAX_ERRORS_EXCEEDED"}, ""},
-        {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, all, TestResult::FAIL, 10, {}, ""},
+        {"stop at MaxErrors", {{"MaxErrors", "3"}}, sectors, TestResult::FAIL, 3, {"MAX_ERRORS_EXCEEDED"}, ""},
+        {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, sectors, TestResult::FAIL, 10, {}, ""},
         {"under the threshold", {{"MaxErrors", "10"}, {"MinErrorPercentage", "25"}}, firstTwo, TestResult::PASS, 10, {"TEST_PASSED_WITH_ERRORS"}, "20.00"},
-        {"stop once above the threshold", {{"MaxErrors", "2"}, {"MinErrorPercentage", "15"}}, all, TestResult::FAIL, 2, {"TEST_FAILED_THRESHOLD"}, ""},
+        {"stop once above the threshold", {{"MaxErrors", "2"}, {"MinErrorPercentage", "15"}}, sectors, TestResult::FAIL, 2, {"TEST_FAILED_THRESHOLD"}, ""},
     };
     // clang-format on
-    runErrorCases(cases, host, [&](const ErrorCase& c) {
-        reset({{"EndRange", "1000"}, {"NumberOfSeeks", "10"}});
-        for (const auto& [key, text] : c.parameters) set(key, text);
-        SeedScript seeds(kSeeds);
-        CallRecordingDrive drive(device, driveOf(5000));
-        for (const uint64_t sector : c.failing)
-            drive.injectFault(sector, sim::SectorFault::ReadFails);
-        return ErrorOutcome{run(drive), drive.operations().size()};
-    });
+    SeedScript seeds(kSeeds);
+    runErrorCases(cases, {{"EndRange", "1000"}, {"NumberOfSeeks", "10"}}, driveOf(5000));
 }
 
 TEST_F(RandomSeek, ReportsTimedProgressAboutOnceASecond) {
@@ -267,51 +221,15 @@ TEST_F(RandomSeek, ReportsTimedProgressAboutOnceASecond) {
     EXPECT_EQ(host.stopPolls(), 29u);
 }
 
-TEST_F(RandomSeek, EstimateIsTheTrueTimeLeftOnceTheRingIsFull) {
-    reset({{"EndRange", "2000"}, {"NumberOfSeeks", "1500"}});
-    SeedScript seeds(kSeeds);
-    // One second a seek: a report after every second seek, at seeks 2, 4, 6, ...
-    CallRecordingDrive drive(device, driveOf(2001, 512, 1000));
-    drive.switches().provideEstimatedTime = true;
-
-    EXPECT_EQ(run(drive), TestResult::PASS);
-
-    const std::vector<unsigned> left = host.timesLeft();
-    ASSERT_EQ(left.size(), 749u);
-    EXPECT_EQ(left[0], 2u) << "2 of 1000 samples: 2000 ms * 1498 seeks";
-    for (std::size_t i = 500; i < left.size(); ++i) {
-        const unsigned done = 2 * static_cast<unsigned>(i + 1);
-        EXPECT_EQ(left[i], 1500 - done) << "after seek " << done;
-    }
-}
-
 TEST_F(RandomSeek, StopRequestsAreSeenAtReports) {
-    const struct {
-        const char* name;
-        unsigned pollsBeforeStop;
-        bool failing;
-        TestResult result;
-        std::size_t reads;
-    } cases[] = {
-        {"first report", 0, false, TestResult::USERABORTED, 102},
-        {"third report", 2, false, TestResult::USERABORTED, 304},
-        {"with an error and no minimum", 0, true, TestResult::FAIL, 102},
+    const StopCase cases[] = {
+        {"first report", 0, {}, {}, TestResult::USERABORTED, 102},
+        {"third report", 2, {}, {}, TestResult::USERABORTED, 304},
+        {"with an error and no minimum", 0, {}, drawnSectors(0, 4000, 1), TestResult::FAIL, 102},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        reset({{"EndRange", "4000"}, {"NumberOfSeeks", "3000"}, {"MaxErrors", "0"}});
-        host.stopAfterPolls(c.pollsBeforeStop);
-        SeedScript seeds(kSeeds);
-        CallRecordingDrive drive(device, driveOf(4001, 512, 10));
-        if (c.failing) drive.injectFault(drawnSectors(0, 4000, 1)[0], sim::SectorFault::ReadFails);
-
-        EXPECT_EQ(run(drive), c.result);
-
-        EXPECT_EQ(drive.operations().size(), c.reads);
-        EXPECT_EQ(host.stopPolls(), c.pollsBeforeStop + 1);
-        EXPECT_EQ(host.lastPercent(), std::optional<unsigned>(100));
-        EXPECT_EQ(drive.counters().unlockTray, 1u);
-    }
+    SeedScript seeds(kSeeds);
+    runStopCases(cases, {{"EndRange", "4000"}, {"NumberOfSeeks", "3000"}, {"MaxErrors", "0"}},
+                 driveOf(4001, 512, 10));
 }
 
 }  // namespace

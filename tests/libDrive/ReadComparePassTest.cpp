@@ -19,6 +19,7 @@ namespace {
 using drivetests::CallRecordingDrive;
 using drivetests::DirectRange;
 using drivetests::driveOf;
+using drivetests::ExitCase;
 using drivetests::ScriptedDrive;
 using drivetests::stepsFrom;
 using quel5::TestResult;
@@ -46,8 +47,6 @@ protected:
         const std::string read = "read " + std::to_string(sector);
         return {"prepare", read, "prepare", read};
     }
-
-    quel5::DiagDevice device{L"sim:compare"};
 };
 
 struct WalkCase {
@@ -103,29 +102,13 @@ struct FaultCase {
     Parameters limits;
     std::function<void(ScriptedDrive&)> arrange;
     TestResult result;
-    std::vector<std::string> steps;   // the calls between "lock" and "unlock"
+    std::string readsOf;  // how often each sector from 0 on is read: "2212" reads sector 2 once
     std::vector<std::string> events;  // "KEY@line" or "KEY@line{TestSector}"
     unsigned stopPolls;
     bool finalPercent;
 };
 
-std::vector<std::string> concat(const std::vector<std::vector<std::string>>& parts) {
-    std::vector<std::string> all;
-    for (const auto& part : parts) all.insert(all.end(), part.begin(), part.end());
-    return all;
-}
-
 TEST_F(ReadCompare, CountsFailuresAndCompareErrorsAndToleratesTenInternalErrors) {
-    const auto once = [](uint64_t sector) {
-        return std::vector<std::string>{"prepare", "read " + std::to_string(sector)};
-    };
-    const auto twiceFrom = [](uint64_t first, uint64_t end) {
-        std::vector<std::string> calls;
-        for (uint64_t s = first; s < end; ++s) {
-            for (const std::string& call : twice(s)) calls.push_back(call);
-        }
-        return calls;
-    };
     const auto fault = [](std::vector<uint64_t> sectors, sim::SectorFault kind) {
         return [sectors, kind](ScriptedDrive& d) {
             for (const uint64_t sector : sectors) d.injectFault(sector, kind);
@@ -136,45 +119,32 @@ TEST_F(ReadCompare, CountsFailuresAndCompareErrorsAndToleratesTenInternalErrors)
             for (const auto& read : reads) d.scripted[read] = answer;
         };
     };
-    std::vector<std::pair<uint64_t, unsigned>> secondReadsOf0To4;
-    for (uint64_t s = 0; s < 5; ++s) secondReadsOf0To4.push_back({s, 2});
-    const auto internalOnBothReads = [secondReadsOf0To4](ScriptedDrive& d) {
-        for (const auto& read : secondReadsOf0To4) d.scripted[read] = TestResult::INTERNALERROR;
+    const auto internalOnBothReads = [](ScriptedDrive& d) {
+        for (uint64_t s = 0; s < 5; ++s) d.scripted[{s, 2}] = TestResult::INTERNALERROR;
         for (uint64_t s = 10; s < 20; ++s) d.injectFault(s, sim::SectorFault::ReadInternalError);
     };
-    std::vector<std::string> internalOnBothSteps = twiceFrom(0, 10);
-    for (uint64_t s = 10; s < 16; ++s) {
-        for (const std::string& call : once(s)) internalOnBothSteps.push_back(call);
-    }
-    std::vector<std::string> tenInternal;
-    for (uint64_t s = 0; s < 10; ++s) {
-        for (const std::string& call : once(s)) tenInternal.push_back(call);
-    }
+    const auto twiceEach = [](std::size_t sectors) { return std::string(sectors, '2'); };
+    const auto onceEach = [](std::size_t sectors) { return std::string(sectors, '1'); };
     // 20 sectors, jump 1, unless the limits say more.
     // clang-format off
     const FaultCase cases[] = {
-        {"flaky sector", {}, fault({4}, sim::SectorFault::Flaky), TestResult::FAIL,
-         twiceFrom(0, 20), {"DATA_COMPARE_FAILED@323{4}"}, 20, true},
-        {"first read fails", {}, fault({4}, sim::SectorFault::ReadFails), TestResult::FAIL,
-         concat({twiceFrom(0, 4), once(4), twiceFrom(5, 20)}), {}, 19, true},
-        {"second read fails", {}, script({{4, 2}}, TestResult::FAIL), TestResult::FAIL,
-         twiceFrom(0, 20), {}, 20, true},
-        {"other results are ignored", {}, script({{4, 1}, {6, 2}}, TestResult::NOMEDIA), kCarried,
-         concat({twiceFrom(0, 4), once(4), twiceFrom(5, 20)}), {}, 19, true},
+        {"flaky sector", {}, fault({4}, sim::SectorFault::Flaky), TestResult::FAIL, twiceEach(20), {"DATA_COMPARE_FAILED@323{4}"}, 20, true},
+        {"first read fails", {}, fault({4}, sim::SectorFault::ReadFails), TestResult::FAIL, "22221" + twiceEach(15), {}, 19, true},
+        {"second read fails", {}, script({{4, 2}}, TestResult::FAIL), TestResult::FAIL, twiceEach(20), {}, 20, true},
+        {"other results are ignored", {}, script({{4, 1}, {6, 2}}, TestResult::NOMEDIA), kCarried, "22221" + twiceEach(15), {}, 19, true},
         {"ten internal errors tolerated", {}, fault(stepsFrom(0, 1, 10), sim::SectorFault::ReadInternalError), kCarried,
-         concat({tenInternal, twiceFrom(10, 20)}), {}, 10, true},
+         onceEach(10) + twiceEach(10), {}, 10, true},
         {"the eleventh internal error fails", {}, fault(stepsFrom(0, 1, 11), sim::SectorFault::ReadInternalError), TestResult::FAIL,
-         concat({tenInternal, once(10)}), {}, 0, false},
-        {"internal errors of second reads count", {}, internalOnBothReads, TestResult::FAIL,
-         internalOnBothSteps, {}, 10, false},
+         onceEach(11), {}, 0, false},
+        {"internal errors of second reads count", {}, internalOnBothReads, TestResult::FAIL, twiceEach(10) + onceEach(6), {}, 10, false},
         {"MaxErrors on failed reads", {{"MaxErrors", "2"}}, fault({2, 5}, sim::SectorFault::ReadFails), TestResult::FAIL,
-         concat({twiceFrom(0, 2), once(2), twiceFrom(3, 5), once(5)}), {"MAX_ERRORS_EXCEEDED@DriveTest"}, 4, false},
+         "221221", {"MAX_ERRORS_EXCEEDED@DriveTest"}, 4, false},
         {"MaxErrors on compare errors", {{"MaxErrors", "2"}}, fault({2, 5}, sim::SectorFault::Flaky), TestResult::FAIL,
-         twiceFrom(0, 6), {"DATA_COMPARE_FAILED@323{2}", "DATA_COMPARE_FAILED@323{5}", "MAX_ERRORS_EXCEEDED@DriveTest"}, 5, true},
+         twiceEach(6), {"DATA_COMPARE_FAILED@323{2}", "DATA_COMPARE_FAILED@323{5}", "MAX_ERRORS_EXCEEDED@DriveTest"}, 5, true},
         {"MaxErrors 0 never stops", {{"MaxErrors", "0"}}, fault({2, 5, 7}, sim::SectorFault::ReadFails), TestResult::FAIL,
-         concat({twiceFrom(0, 2), once(2), twiceFrom(3, 5), once(5), twiceFrom(6, 7), once(7), twiceFrom(8, 20)}), {}, 17, true},
+         "22122121" + twiceEach(12), {}, 17, true},
         {"compare error under the threshold", {{"MaxErrors", "10"}, {"MinErrorPercentage", "10"}}, fault({3}, sim::SectorFault::Flaky), TestResult::PASS,
-         twiceFrom(0, 20), {"DATA_COMPARE_FAILED@323{3}", "TEST_PASSED_WITH_ERRORS@DriveTest"}, 20, true},
+         twiceEach(20), {"DATA_COMPARE_FAILED@323{3}", "TEST_PASSED_WITH_ERRORS@DriveTest"}, 20, true},
     };
     // clang-format on
     for (const FaultCase& c : cases) {
@@ -188,7 +158,12 @@ TEST_F(ReadCompare, CountsFailuresAndCompareErrorsAndToleratesTenInternalErrors)
         EXPECT_EQ(run(drive), c.result);
 
         std::vector<std::string> expected = {"lock"};
-        expected.insert(expected.end(), c.steps.begin(), c.steps.end());
+        for (std::size_t sector = 0; sector < c.readsOf.size(); ++sector) {
+            for (int n = 0; n < c.readsOf[sector] - '0'; ++n) {
+                expected.push_back("prepare");
+                expected.push_back("read " + std::to_string(sector));
+            }
+        }
         expected.push_back("unlock");
         if (c.result == TestResult::FAIL) expected.push_back("rerun?");
         if (c.result == TestResult::PASS) expected.push_back("pass?");
@@ -330,41 +305,16 @@ TEST_F(ReadCompare, TheWorkingResultCarriesOverIntoLaterPasses) {
 }
 
 TEST_F(ReadCompare, EveryWayOutOfAPassUnlocksTheTrayOnce) {
-    const struct {
-        const char* name;
-        uint32_t bytesPerSector;
-        std::optional<DirectRange> range;
-        std::function<void(CallRecordingDrive&)> arrange;
-        TestResult result;
-        unsigned passes;
-        std::vector<std::string> events;  // "KEY@line", from libDrive/LinearReadCompareTest
-    } cases[] = {
-        // clang-format off
-        {"no handle", 512, {}, [](CallRecordingDrive& d) { d.switches().invalidHandle = true; },
-         TestResult::NODEVICE, 0, {}},
-        {"media check fails", 512, {},
-         [](CallRecordingDrive& d) {
-             d.switches().needsMediaCheck = true;
-             d.switches().checkMediaResult = TestResult::NOMEDIA;
-         },
-         TestResult::NOMEDIA, 1, {}},
-        {"empty range", 512, DirectRange{30, 30}, [](CallRecordingDrive&) {}, TestResult::BADPARAMS, 1, {"TOTAL_SECTOR_GREATER_THAN_ZERO@132"}},
-        {"sector size 0", 0, {}, [](CallRecordingDrive&) {}, TestResult::INTERNALERROR, 1, {"INVALID_BUFFER_SIZE@149"}},
-        // clang-format on
+    // clang-format off
+    const ExitCase cases[] = {
+        {.name = "no handle", .arrange = drivetests::noHandle, .result = TestResult::NODEVICE, .passes = 0},
+        {.name = "media check fails", .arrange = drivetests::mediaCheckFails, .result = TestResult::NOMEDIA},
+        {.name = "empty range", .range = DirectRange{30, 30}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO@132"}},
+        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE@149"}},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        reset({{"EndRange", "10"}, {"NumberOfSeeks", "10"}});
-        CallRecordingDrive drive(device, driveOf(100, c.bytesPerSector));
-        c.arrange(drive);
-
-        EXPECT_EQ(run(drive, c.range), c.result);
-
-        EXPECT_EQ(drive.counters().lockTray, c.passes);
-        EXPECT_EQ(drive.counters().unlockTray, c.passes);
-        EXPECT_TRUE(drive.operations().empty());
-        EXPECT_EQ(eventsFrom("libDrive/LinearReadCompareTest"), c.events);
-    }
+    // clang-format on
+    runExitCases(cases, {{"EndRange", "10"}, {"NumberOfSeeks", "10"}}, driveOf(100),
+                 "libDrive/LinearReadCompareTest");
 }
 
 }  // namespace

@@ -19,9 +19,13 @@ uint32_t nextScriptedSeed() {
 }  // namespace
 
 SeedScript::SeedScript(std::vector<uint32_t> seeds) {
-    g_seeds = std::move(seeds);
-    g_next = 0;
+    restart(std::move(seeds));
     kivrlibdrive::SetSeekSeedSource(&nextScriptedSeed);
+}
+
+void SeedScript::restart(std::vector<uint32_t> seeds) {
+    if (!seeds.empty()) g_seeds = std::move(seeds);
+    g_next = 0;
 }
 
 SeedScript::~SeedScript() { kivrlibdrive::SetSeekSeedSource(nullptr); }

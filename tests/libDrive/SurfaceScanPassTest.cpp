@@ -15,17 +15,15 @@
 #include "ReadOnlyTestSupport.h"
 #include "SurfaceScanStride.h"
 #include "libDrive/SurfaceScanTest.h"
-#include "support/ErrorCases.h"
 
 namespace {
 
 using testsupport::ErrorCase;
-using testsupport::ErrorOutcome;
-using testsupport::runErrorCases;
 
 using drivetests::CallRecordingDrive;
 using drivetests::DirectRange;
 using drivetests::driveOf;
+using drivetests::ExitCase;
 using drivetests::ScriptedDrive;
 using quel5::TestResult;
 
@@ -67,10 +65,7 @@ TEST(SurfaceScanStride, NeverBelowOneSector) {
     }
 }
 
-class SurfaceScan : public drivetests::ReadOnlyFixture<kivrlibdrive::CSurfaceScanTest> {
-protected:
-    quel5::DiagDevice device{L"sim:scan"};
-};
+using SurfaceScan = drivetests::ReadOnlyFixture<kivrlibdrive::CSurfaceScanTest>;
 
 sim::SimulatedDriveConfig scanDrive(uint64_t total, uint32_t optimalReadAmount,
                                     uint32_t readMs = 0) {
@@ -156,73 +151,28 @@ TEST_F(SurfaceScan, AQuotientWithoutLowBitsStillMovesOn) {
                           "131 Will test 4294967296 sectors in the range 0 to 4294967296"));
 }
 
-struct ExitCase {
-    const char* name;
-    std::function<void(sim::SimulatedDriveConfig&)> configure;
-    std::optional<DirectRange> range;
-    std::function<void(ScriptedDrive&)> arrange;
-    TestResult result;
-    unsigned passes;
-    std::vector<std::string> events;  // "KEY@line", from libDrive/SurfaceScanTest
-    std::vector<uint64_t> reads;
-    std::vector<std::string> problems;  // log lines at priority 4
-};
-
 TEST_F(SurfaceScan, EveryWayOutOfAPassUnlocksTheTrayOnce) {
-    const auto plain = [](sim::SimulatedDriveConfig&) {};
-    const auto nothing = [](ScriptedDrive&) {};
+    const std::string problemAt64 = "222 Problem when testing sector 64 to 80";
+    std::vector<uint64_t> twoPasses = drivetests::stepsFrom(0, 16, 7);
+    twoPasses.insert(twoPasses.end(), twoPasses.begin(), twoPasses.end());
     // clang-format off
     const ExitCase cases[] = {
-        {"no handle", plain, {}, [](ScriptedDrive& d) { d.switches().invalidHandle = true; },
-         TestResult::NODEVICE, 0, {}, {}, {}},
-        {"media check fails", plain, {},
-         [](ScriptedDrive& d) {
-             d.switches().needsMediaCheck = true;
-             d.switches().checkMediaResult = TestResult::NOMEDIA;
-         },
-         TestResult::NOMEDIA, 1, {}, {}, {}},
-        {"empty range", plain, DirectRange{30, 30}, nothing,
-         TestResult::BADPARAMS, 1, {"TOTAL_SECTOR_GREATER_THAN_ZERO@136"}, {}, {}},
-        {"no sectors per track", [](sim::SimulatedDriveConfig& c) { c.sectorsPerTrack = 0; }, {}, nothing,
-         TestResult::INTERNALERROR, 1, {"SECTORS_PER_TRACK_GREATER_THAN_ZERO@145"}, {}, {}},
-        {"sector size 0", [](sim::SimulatedDriveConfig& c) { c.bytesPerSector = 0; }, {}, nothing,
-         TestResult::INTERNALERROR, 1, {"INVALID_BUFFER_SIZE@178"}, {}, {}},
-        {"block larger than a drive call can take", [](sim::SimulatedDriveConfig& c) { c.optimalReadAmount = 1u << 23; }, {}, nothing,
-         TestResult::INTERNALERROR, 1, {"MSG_ERROR_ALLOCATING_MEMORY@188"}, {}, {}},
-        {"read ends the test", plain, {},
-         [](ScriptedDrive& d) { d.injectFault(40, sim::SectorFault::ReadInternalError); },
-         TestResult::INTERNALERROR, 1, {}, {0, 16, 32}, {"222 Problem when testing sector 32 to 48"}},
-        {"failed twice", plain, {},
-         [](ScriptedDrive& d) {
-             d.injectFault(70, sim::SectorFault::ReadFails);
-             d.switches().rerunAllowed = true;
-             d.switches().confirmRerun = true;
-         },
-         TestResult::FAIL, 2, {"RERUN_TEST@82"}, {},
-         {"222 Problem when testing sector 64 to 80", "222 Problem when testing sector 64 to 80"}},
+        {.name = "no handle", .arrange = drivetests::noHandle, .result = TestResult::NODEVICE, .passes = 0},
+        {.name = "media check fails", .arrange = drivetests::mediaCheckFails, .result = TestResult::NOMEDIA},
+        {.name = "empty range", .range = DirectRange{30, 30}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO@136"}},
+        {.name = "no sectors per track", .configure = [](sim::SimulatedDriveConfig& c) { c.sectorsPerTrack = 0; },
+         .result = TestResult::INTERNALERROR, .events = {"SECTORS_PER_TRACK_GREATER_THAN_ZERO@145"}},
+        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE@178"}},
+        {.name = "block larger than a drive call can take", .configure = [](sim::SimulatedDriveConfig& c) { c.optimalReadAmount = 1u << 23; },
+         .result = TestResult::INTERNALERROR, .events = {"MSG_ERROR_ALLOCATING_MEMORY@188"}},
+        {.name = "read ends the test", .arrange = drivetests::readEndsTheTest(40), .result = TestResult::INTERNALERROR,
+         .reads = {0, 16, 32}, .problems = {"222 Problem when testing sector 32 to 48"}},
+        {.name = "failed twice", .arrange = drivetests::failsAndIsRerun(70), .result = TestResult::FAIL, .passes = 2,
+         .events = {"RERUN_TEST@82"}, .reads = twoPasses, .problems = {problemAt64, problemAt64}},
     };
     // clang-format on
-    for (const ExitCase& c : cases) {
-        SCOPED_TRACE(c.name);
-        reset({{"EndRange", "100"}, {"SectorPercentToTest", "100"}});
-        sim::SimulatedDriveConfig config = scanDrive(1000, 16);
-        c.configure(config);
-        ScriptedDrive drive(device, config);
-        c.arrange(drive);
-
-        EXPECT_EQ(run(drive, c.range), c.result);
-
-        EXPECT_EQ(drive.counters().lockTray, c.passes);
-        EXPECT_EQ(drive.counters().unlockTray, c.passes);
-        EXPECT_EQ(eventsFrom("libDrive/SurfaceScanTest"), c.events);
-        if (!c.reads.empty()) {
-            EXPECT_EQ(drive.readSectors(), c.reads);
-        }
-        if (c.result == TestResult::INTERNALERROR) {
-            EXPECT_NE(host.lastPercent(), std::optional<unsigned>(100));
-        }
-        EXPECT_EQ(logged("libDrive.SurfaceScanTest", 4), c.problems);
-    }
+    runExitCases(cases, {{"EndRange", "100"}, {"SectorPercentToTest", "100"}}, scanDrive(1000, 16),
+                 "libDrive/SurfaceScanTest", "libDrive.SurfaceScanTest");
 }
 
 TEST_F(SurfaceScan, EachFailedBlockIsOneErrorAgainstThePlannedBlocks) {
@@ -237,14 +187,8 @@ TEST_F(SurfaceScan, EachFailedBlockIsOneErrorAgainstThePlannedBlocks) {
         {"no block planned in full", {{"SectorPercentToTest", "5"}, {"MaxErrors", "0"}, {"MinErrorPercentage", "50"}}, {0}, TestResult::PASS, 1, {"TEST_PASSED_WITH_ERRORS"}, "100.00"},
     };
     // clang-format on
-    runErrorCases(cases, host, [&](const ErrorCase& c) {
-        reset({{"EndRange", "100"}, {"SectorPercentToTest", "100"}});
-        for (const auto& [key, text] : c.parameters) set(key, text);
-        CallRecordingDrive drive(device, scanDrive(1000, 10));
-        for (const uint64_t sector : c.failing)
-            drive.injectFault(sector, sim::SectorFault::ReadFails);
-        return ErrorOutcome{run(drive), drive.operations().size()};
-    });
+    runErrorCases(cases, {{"EndRange", "100"}, {"SectorPercentToTest", "100"}},
+                  scanDrive(1000, 10));
 }
 
 TEST_F(SurfaceScan, ReportsAboutOnceASecondAndPollsStopOnlyThen) {

@@ -9,6 +9,7 @@
 #include "os/Clock.h"
 #include "os/Thread.h"
 #include "os/Waitable.h"
+#include "support/ScopedVirtualClock.h"
 
 namespace {
 
@@ -16,10 +17,7 @@ constexpr uint64_t kStart = 1700000000123ULL;  // 2023-11-14 22:13:20.123 UTC
 
 class VirtualClockTest : public ::testing::Test {
 protected:
-    void SetUp() override { os::installClock(&clock_); }
-    void TearDown() override { os::installClock(nullptr); }
-
-    os::VirtualClock clock_{kStart};
+    testsupport::ScopedVirtualClock clock_{kStart};
 };
 
 TEST_F(VirtualClockTest, SleepsOfOneThreadAddUpAtOnce) {
@@ -36,8 +34,7 @@ TEST_F(VirtualClockTest, SleepsOfOneThreadAddUpAtOnce) {
         {{0xFFFFFFFFu, 2}, 0x100000001ULL},
     };
     for (const Case& c : cases) {
-        os::VirtualClock clock(kStart);
-        os::installClock(&clock);
+        testsupport::ScopedVirtualClock clock(kStart);
         for (uint32_t ms : c.sleeps) {
             os::sleepMilliseconds(ms);
         }
@@ -80,8 +77,7 @@ TEST_F(VirtualClockTest, TickCountWrapsAtTwoToThe32) {
         {0x1FFFFFFFFULL, 1, 0},
     };
     for (const Case& c : cases) {
-        os::VirtualClock clock(kStart, c.startTick);
-        os::installClock(&clock);
+        testsupport::ScopedVirtualClock clock(kStart, c.startTick);
         clock.advance(c.advance);
         EXPECT_EQ(os::tickCount(), c.tick) << std::hex << c.startTick << " + " << c.advance;
         // Wrapping arithmetic on ticks still measures the time that passed.
@@ -127,8 +123,7 @@ TEST_F(VirtualClockTest, PollingWorkerAndSlicedWaiterMeetAtExactTimes) {
     };
     for (const Case& c : cases) {
         for (int run = 0; run < 10; ++run) {  // the same answer every time
-            os::VirtualClock clock(kStart);
-            os::installClock(&clock);
+            testsupport::ScopedVirtualClock clock(kStart);
             std::vector<uint64_t> pollTimes;
             os::Thread worker([&] {
                 for (int i = 0; i < c.polls; ++i) {
@@ -169,8 +164,7 @@ TEST_F(VirtualClockTest, EventSetByWorkerEndsWaitsAtTheWorkersTime) {
         {10000, true, 2500},
     };
     for (const Case& c : cases) {
-        os::VirtualClock clock(kStart);
-        os::installClock(&clock);
+        testsupport::ScopedVirtualClock clock(kStart);
         os::Event ready;
         os::Thread worker([&] {
             os::sleepMilliseconds(2500);

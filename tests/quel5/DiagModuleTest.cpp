@@ -34,43 +34,17 @@ TEST(DiagModuleTest, EveryServiceReachesTheHostInOrder) {
     DiagModule::resetPercentDone();
     DiagModule::estimatedTimeLeft(12);
 
-    const std::vector<testsupport::Report> reports = host.reports();
-    ASSERT_EQ(reports.size(), 9u);
-    EXPECT_EQ(std::get<testsupport::LibraryReport>(reports[0]).name, "Deliver_Lib");
-
-    struct EventCase {
-        std::size_t index;
-        Severity severity;
-        const char* source;
-        int line;
-        unsigned int sector;
-        std::vector<std::string> names;
-    };
-    const EventCase events[] = {
-        {1, Severity::WARNING, "libDrive/A", 11, 10, {"Sector"}},
-        {2, Severity::INFORMATIVE, "libDrive/B", 22, 20, {"Sector", "Extra"}},
-        {3, Severity::ERROR, "libDrive/C", 33, 20, {"Sector", "Extra"}},
-    };
-    for (const EventCase& c : events) {
-        SCOPED_TRACE(c.index);
-        const auto& report = std::get<testsupport::EventReport>(reports[c.index]);
-        EXPECT_EQ(report.severity, c.severity);
-        EXPECT_EQ(report.key, "Deliver_Event");
-        EXPECT_EQ(report.source, c.source);
-        EXPECT_EQ(report.line, c.line);
-        EXPECT_EQ(report.get("Sector").valueUint32(), c.sector);
-        EXPECT_EQ(report.names(), c.names);
-    }
-
-    const auto& plain = std::get<testsupport::ProgressReport>(reports[4]);
-    const auto& timed = std::get<testsupport::ProgressReport>(reports[5]);
-    EXPECT_EQ(plain.key, "Deliver_Text");
-    EXPECT_EQ(plain.text, "Deliver_Text{ReadSector=7}");
-    EXPECT_EQ(plain.intervalMs, 0.0);
-    EXPECT_EQ(timed.intervalMs, 1000.0);
-    EXPECT_EQ(std::get<testsupport::PercentReport>(reports[6]).percent, 30u);
-    EXPECT_TRUE(std::holds_alternative<testsupport::ResetPercentReport>(reports[7]));
-    EXPECT_EQ(std::get<testsupport::TimeLeftReport>(reports[8]).seconds, 12u);
+    EXPECT_EQ(host.timeline(), (std::vector<std::string>{
+                                   "library Deliver_Lib",
+                                   "WARNING Deliver_Event@libDrive/A:11{Sector=10}",
+                                   "INFORMATIVE Deliver_Event@libDrive/B:22{Sector=20,Extra=e}",
+                                   "ERROR Deliver_Event@libDrive/C:33{Sector=20,Extra=e}",
+                                   "progress Deliver_Text{ReadSector=7}",
+                                   "progress every 1000 ms Deliver_Text{ReadSector=7}",
+                                   "percent 30",
+                                   "reset percent",
+                                   "time left 12",
+                               }));
 }
 
 TEST(DiagModuleTest, NullHandlesAreIgnored) {

@@ -58,14 +58,6 @@ TEST(EventTest, VariablesKeepFirstSetOrderAndReplaceInPlace) {
     }
 }
 
-TEST(EventTest, SetVariableChainsAndClears) {
-    quel5::Event event("Chained");
-    event.setVariable("X", 1u).setVariable("Y", 2u);
-    EXPECT_EQ(namesOf(event.variables()), (std::vector<std::string>{"X", "Y"}));
-    event.clearVariables();
-    EXPECT_TRUE(event.variables().empty());
-}
-
 TEST(EventTest, LocalizedTextComesFromTheHostOrIsTheKey) {
     quel5::LocalizedString text("READ_SECTOR");
     text.setVariable("ReadSector", 5ull).setVariable("EndSector", 9ull);

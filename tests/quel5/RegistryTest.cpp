@@ -62,10 +62,6 @@ TEST(RegistryTest, KindsAreKeptApart) {
     EXPECT_EQ(registry.findLocalizedString("Shared_Key"), text);
     EXPECT_EQ(registry.parameters().back(), parameter);
     EXPECT_EQ(registry.localizedStrings().back(), text);
-    EXPECT_EQ(parameter->range(), QuelString("[0,1]"));
-    EXPECT_TRUE(parameter->flagA());
-    EXPECT_FALSE(parameter->flagB());
-    EXPECT_EQ(parameter->dataType(), DataType::STRING);
 }
 
 TEST(RegistryTest, HandlesStayValidWhileManyMoreAreCreated) {

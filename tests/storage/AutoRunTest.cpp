@@ -10,57 +10,32 @@ namespace {
 
 using libStorage::AutoRun;
 
+// Steps on objects a (on the heap), b and c: "A"/"a" disable/enable a, "B"/"b" the same for b,
+// "x" destroys a, "c" copies a into c, "y" destroys c.
 TEST(AutoRun, SuppressedWhileAnyObjectDisablesIt) {
-    enum Op { kDisableA, kEnableA, kDisableB, kEnableB, kDestroyA, kCopyAIntoC, kDestroyC };
-    struct Case {
-        std::vector<Op> ops;
+    const struct {
+        const char* steps;
         bool suppressed;
+    } cases[] = {
+        {"", false},     {"A", true},     {"Aa", false}, {"AAa", false},  // repeating counts once
+        {"ABa", true},   {"ABab", false}, {"Ax", false}, {"Aca", true},
+        {"Acay", false}, {"c", false},
     };
-    const Case cases[] = {
-        {{}, false},
-        {{kDisableA}, true},
-        {{kDisableA, kEnableA}, false},
-        {{kDisableA, kDisableA, kEnableA}, false},  // repeating counts once
-        {{kDisableA, kDisableB, kEnableA}, true},
-        {{kDisableA, kDisableB, kEnableA, kEnableB}, false},
-        {{kDisableA, kDestroyA}, false},
-        {{kDisableA, kCopyAIntoC, kEnableA}, true},
-        {{kDisableA, kCopyAIntoC, kEnableA, kDestroyC}, false},
-        {{kCopyAIntoC}, false},
-    };
-    for (size_t i = 0; i < std::size(cases); ++i) {
+    for (const auto& c : cases) {
         {
             auto a = std::make_unique<AutoRun>();
             AutoRun b;
-            std::optional<AutoRun> c;
-            for (Op op : cases[i].ops) {
-                switch (op) {
-                    case kDisableA:
-                        a->Disable(true);
-                        break;
-                    case kEnableA:
-                        a->Disable(false);
-                        break;
-                    case kDisableB:
-                        b.Disable(true);
-                        break;
-                    case kEnableB:
-                        b.Disable(false);
-                        break;
-                    case kDestroyA:
-                        a.reset();
-                        break;
-                    case kCopyAIntoC:
-                        c.emplace(*a);
-                        break;
-                    case kDestroyC:
-                        c.reset();
-                        break;
-                }
+            std::optional<AutoRun> copy;
+            for (const char* step = c.steps; *step != '\0'; ++step) {
+                if (*step == 'A' || *step == 'a') a->Disable(*step == 'A');
+                if (*step == 'B' || *step == 'b') b.Disable(*step == 'B');
+                if (*step == 'x') a.reset();
+                if (*step == 'c') copy.emplace(*a);
+                if (*step == 'y') copy.reset();
             }
-            EXPECT_EQ(AutoRun::autoPlaySuppressed(), cases[i].suppressed) << "case " << i;
+            EXPECT_EQ(AutoRun::autoPlaySuppressed(), c.suppressed) << "steps " << c.steps;
         }
-        EXPECT_FALSE(AutoRun::autoPlaySuppressed()) << "objects of case " << i << " left it off";
+        EXPECT_FALSE(AutoRun::autoPlaySuppressed()) << "objects of " << c.steps << " left it off";
     }
 }
 

@@ -52,6 +52,56 @@ std::vector<std::string> RecordingHost::eventKeys() const {
     return keys;
 }
 
+namespace {
+
+// "SEVERITY KEY@source", then `where` (":line" or nothing) and "{Name=Value,...}".
+std::string summaryOf(const EventReport& event, const std::string& where) {
+    static const char* const severities[] = {"WARNING", "INFORMATIVE", "ERROR"};
+    std::string text = std::string(severities[static_cast<int>(event.severity)]) + " " + event.key +
+                       "@" + event.source + where;
+    for (std::size_t i = 0; i < event.variables.size(); ++i) {
+        text += (i == 0 ? "{" : ",") + utf8(event.variables[i].first) + "=" +
+                utf8(event.variables[i].second.toString());
+    }
+    return event.variables.empty() ? text : text + "}";
+}
+
+// One report as timeline() shows it.
+struct TimelineLine {
+    std::string operator()(const EventReport& r) const {
+        return summaryOf(r, ":" + std::to_string(r.line));
+    }
+    std::string operator()(const ProgressReport& r) const {
+        if (r.intervalMs == 0.0) return "progress " + r.text;
+        return "progress every " + std::to_string(static_cast<long long>(r.intervalMs)) + " ms " +
+               r.text;
+    }
+    std::string operator()(const PercentReport& r) const {
+        return "percent " + std::to_string(r.percent);
+    }
+    std::string operator()(const ResetPercentReport&) const { return "reset percent"; }
+    std::string operator()(const TimeLeftReport& r) const {
+        return "time left " + std::to_string(r.seconds);
+    }
+    std::string operator()(const MessageBoxReport& r) const { return "message box " + r.message; }
+    std::string operator()(const MessageBoxCancelReport& r) const { return "cancel " + r.message; }
+    std::string operator()(const LibraryReport& r) const { return "library " + r.name; }
+};
+
+}  // namespace
+
+std::vector<std::string> RecordingHost::eventSummaries() const {
+    std::vector<std::string> summaries;
+    for (const EventReport& event : events()) summaries.push_back(summaryOf(event, ""));
+    return summaries;
+}
+
+std::vector<std::string> RecordingHost::timeline() const {
+    std::vector<std::string> lines;
+    for (const Report& report : reports()) lines.push_back(std::visit(TimelineLine{}, report));
+    return lines;
+}
+
 std::vector<unsigned int> RecordingHost::percents() const {
     std::vector<unsigned int> values;
     for (const PercentReport& report : all<PercentReport>()) values.push_back(report.percent);
@@ -89,20 +139,12 @@ void RecordingHost::clear() {
 
 void RecordingHost::stopAfterPolls(unsigned int polls) {
     std::lock_guard<std::recursive_mutex> lock(mutex_);
-    stopPredicate_ = nullptr;
     pollsBeforeStop_ = polls;
-}
-
-void RecordingHost::stopWhen(std::function<bool(const RecordingHost&)> predicate) {
-    std::lock_guard<std::recursive_mutex> lock(mutex_);
-    pollsBeforeStop_.reset();
-    stopPredicate_ = std::move(predicate);
 }
 
 void RecordingHost::neverStop() {
     std::lock_guard<std::recursive_mutex> lock(mutex_);
     pollsBeforeStop_.reset();
-    stopPredicate_ = nullptr;
 }
 
 void RecordingHost::queueAnswers(std::vector<int> answers) {
@@ -164,12 +206,10 @@ void RecordingHost::estimatedTimeLeft(unsigned int seconds) {
 bool RecordingHost::stopRequested() {
     std::lock_guard<std::recursive_mutex> lock(mutex_);
     ++polls_;
-    if (pollsBeforeStop_) {
-        if (*pollsBeforeStop_ == 0) return true;
-        --*pollsBeforeStop_;
-        return false;
-    }
-    return stopPredicate_ && stopPredicate_(*this);
+    if (!pollsBeforeStop_) return false;
+    if (*pollsBeforeStop_ == 0) return true;
+    --*pollsBeforeStop_;
+    return false;
 }
 
 bool RecordingHost::showMessageBox(const quel5::MessageBox2& box, int* answer) {

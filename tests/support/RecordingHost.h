@@ -15,7 +15,6 @@
 
 #include <cstdint>
 #include <deque>
-#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -119,6 +118,13 @@ public:
     std::vector<EventReport> events() const { return all<EventReport>(); }
     std::vector<EventReport> eventsWithKey(const std::string& key) const;
     std::vector<std::string> eventKeys() const;  // every event's key in order
+    // Every event in order as "SEVERITY KEY@source{Name=Value,...}" (no braces without
+    // variables), to compare whole sequences at once.
+    std::vector<std::string> eventSummaries() const;
+    // Every report in order as a line of text: "SEVERITY KEY@source:line{...}" for an event,
+    // "progress TEXT" (or "progress every N ms TEXT"), "percent N", "reset percent",
+    // "time left N", "message box MESSAGE", "cancel MESSAGE", "library NAME".
+    std::vector<std::string> timeline() const;
     std::vector<ProgressReport> progressReports() const { return all<ProgressReport>(); }
     std::vector<unsigned int> percents() const;  // every percentDone value in order
     std::optional<unsigned int> lastPercent() const;
@@ -134,9 +140,6 @@ public:
     // From now on the next `polls` polls answer false, every later one true (0: stop at the
     // next poll). Replaces any earlier stop script.
     void stopAfterPolls(unsigned int polls);
-    // Each poll answers `predicate(*this)`; the predicate may query this host (stopPolls()
-    // already counts the poll being answered). Replaces any earlier stop script.
-    void stopWhen(std::function<bool(const RecordingHost&)> predicate);
     // Polls answer false again (the default).
     void neverStop();
 
@@ -164,11 +167,10 @@ public:
 private:
     void record(Report report);
 
-    mutable std::recursive_mutex mutex_;  // recursive: a stop predicate queries the host
+    mutable std::recursive_mutex mutex_;  // recursive: queries build on each other
     std::vector<Report> reports_;
     unsigned int polls_ = 0;
     std::optional<unsigned int> pollsBeforeStop_;
-    std::function<bool(const RecordingHost&)> stopPredicate_;
     std::deque<int> answers_;
     int defaultAnswer_;
     bool canShowMessageBoxes_ = true;
