@@ -1,5 +1,7 @@
 #include "sim/SimulatedDrive.h"
 
+#include <algorithm>
+
 #include <utility>
 
 #include "kiv/Exception.h"
@@ -39,6 +41,15 @@ bool SimulatedDrive::withinCapacity(uint64_t first, uint64_t count) const {
     return first < config_.totalSectors && count <= config_.totalSectors - first;
 }
 
+uint32_t SimulatedDrive::readCostMs(uint64_t first, uint64_t count) const {
+    uint32_t slowest = 0;
+    for (const SlowSpan& span : config_.cost.slowReads) {
+        if (first < span.first + span.count && span.first < first + count)
+            slowest = std::max(slowest, span.ms);
+    }
+    return config_.cost.perReadMs + slowest;
+}
+
 void SimulatedDrive::charge(uint32_t commandMs, uint64_t sectors) {
     pendingMicroseconds_ +=
         uint64_t{commandMs} * 1000 + sectors * config_.cost.perSectorMicroseconds;
@@ -61,7 +72,7 @@ TestResult SimulatedDrive::finish(Operation::Kind kind, uint64_t start, uint32_t
 TestResult SimulatedDrive::ReadSectors(const uint64_t& startSector, unsigned int count,
                                        void* buffer, unsigned int bufferSize) {
     const uint32_t sectors = sectorsIn(buffer, bufferSize);
-    charge(config_.cost.perReadMs, sectors);
+    charge(readCostMs(startSector, sectors), sectors);
     const auto done = [&](TestResult result) {
         return finish(Operation::Kind::Read, startSector, sectors, count, result);
     };
@@ -111,7 +122,7 @@ TestResult SimulatedDrive::WriteSectors(const uint64_t& startSector, unsigned in
 }
 
 TestResult SimulatedDrive::VerifySectors(const uint64_t& startSector, unsigned int count) {
-    charge(config_.cost.perReadMs, count);
+    charge(readCostMs(startSector, count), count);
     TestResult result = TestResult::PASS;
     if (count == 0 || !withinCapacity(startSector, count)) {
         result = TestResult::FAIL;

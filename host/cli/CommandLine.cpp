@@ -286,7 +286,7 @@ const char* kRunUsage =
     "                       a block device (/dev/sdb, /dev/loop0, \\\\.\\PhysicalDrive1),\n"
     "                       a disk image file, or a simulated drive\n"
     "                       sim:SIZE[,sector=N][,bad=LBA[+COUNT]]...[,flaky=LBA]...\n"
-    "                           [,internal=LBA]...[,cost=MS]\n"
+    "                           [,internal=LBA]...[,cost=MS][,slow=LBA+COUNT:MS]...\n"
     "                       e.g. sim:1GiB,bad=1000+5 (SIZE in bytes with K/M/G/T units,\n"
     "                       binary, or in sectors with the unit s)\n"
     "  --set KEY=VALUE    set a test parameter (MaxErrors=20, SectorPercentToTest=5,\n"

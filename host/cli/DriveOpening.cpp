@@ -24,6 +24,7 @@ std::unique_ptr<kivrlibdrive::Drive> buildSimulatedDrive(const quel5::DiagDevice
     config.bytesPerSector = described.bytesPerSector;
     config.cost.perReadMs = described.costMs;
     config.cost.perWriteMs = described.costMs;
+    config.cost.slowReads = described.slow;
     config.switches.provideEstimatedTime = true;
     config.recordOperations = false;
     auto drive = std::make_unique<RecordingDrive<sim::SimulatedDrive>>(device, config);

@@ -74,15 +74,16 @@ public:
     bool option(std::string_view name, std::string_view value) {
         if (name == "sector") return sectorSize(value);
         if (name == "cost") return cost(value);
-        const bool fault = name == "bad" || name == "flaky" || name == "internal";
+        const bool fault = name == "bad" || name == "flaky" || name == "internal" || name == "slow";
         if (fault && ++faultEntries_ > kMaxFaultEntries)
             return fail(error_, "too many faults: at most " + std::to_string(kMaxFaultEntries) +
-                                    " bad=, flaky= and internal= entries together");
+                                    " bad=, flaky=, internal= and slow= entries together");
         if (name == "bad") return badSpan(value);
+        if (name == "slow") return slowSpan(value);
         if (name == "flaky") return single(value, "flaky", drive_.flaky);
         if (name == "internal") return single(value, "internal", drive_.internal);
         return fail(error_, "unknown option \"" + std::string(name) +
-                                "\" (known: sector, bad, flaky, internal, cost)");
+                                "\" (known: sector, bad, flaky, internal, slow, cost)");
     }
 
     bool finish(const Size& size) {
@@ -93,6 +94,11 @@ public:
             if (span.first >= drive_.totalSectors) return beyondDrive("bad", span.first);
             if (span.count > drive_.totalSectors - span.first)
                 return beyondDrive("bad", span.first + span.count - 1);
+        }
+        for (const sim::SlowSpan& span : drive_.slow) {
+            if (span.first >= drive_.totalSectors) return beyondDrive("slow", span.first);
+            if (span.count > drive_.totalSectors - span.first)
+                return beyondDrive("slow", span.first + span.count - 1);
         }
         for (uint64_t sector : drive_.flaky) {
             if (sector >= drive_.totalSectors) return beyondDrive("flaky", sector);
@@ -138,6 +144,23 @@ private:
         if (*count == 0 || *count > kMaxSpan)
             return fail(error_, "bad=" + std::string(value) + ": COUNT must be from 1 to 1000000");
         drive_.bad.push_back({*first, *count});
+        return true;
+    }
+
+    bool slowSpan(std::string_view value) {
+        const std::size_t plus = value.find('+');
+        const std::size_t colon = value.find(':');
+        const auto first = parseNumber(value.substr(0, plus));
+        const auto count =
+            plus < colon ? parseNumber(value.substr(plus + 1, colon - plus - 1)) : std::nullopt;
+        const auto ms =
+            colon == std::string_view::npos ? std::nullopt : parseNumber(value.substr(colon + 1));
+        if (!first || !count || !ms)
+            return fail(error_, "slow=" + std::string(value) + ": expected LBA+COUNT:MS");
+        if (*count == 0 || *ms == 0 || *ms > kMaxCostMs)
+            return fail(error_, "slow=" + std::string(value) +
+                                    ": COUNT must be at least 1 and MS from 1 to 60000");
+        drive_.slow.push_back({*first, *count, static_cast<uint32_t>(*ms)});
         return true;
     }
 

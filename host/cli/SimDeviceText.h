@@ -1,6 +1,7 @@
 // The text that names a simulated drive on the command line:
 //
 //   sim:SIZE[,sector=N][,bad=LBA[+COUNT]]...[,flaky=LBA]...[,internal=LBA]...[,cost=MS]
+//       [,slow=LBA+COUNT:MS]...
 //
 // SIZE is a byte count with an optional binary unit (K, KB, KiB = 1024; M, MB, MiB; G, GB, GiB;
 // T, TB, TiB; units are case-insensitive) or a sector count with the unit "s"; a byte size is
@@ -8,9 +9,10 @@
 // 65536, default 512). bad marks COUNT sectors (default 1, at most 1,000,000 per entry) whose
 // reads fail; flaky a sector that reads differently after its first read; internal a sector
 // whose read ends a test with an internal error. cost is the time in milliseconds each read or
-// write takes (at most 60000). Every sector named must lie on the drive. At most 1024 bad, flaky
-// and internal entries are accepted together, so a text can never cost the drive more than that
-// many stored fault spans.
+// write takes (at most 60000); slow makes each read touching COUNT sectors from LBA take MS
+// more (at most 60000), as a worn area does. Every sector named must lie on the drive. At most
+// 1024 bad, flaky, internal and slow entries are accepted together, so a text can never cost
+// the drive more than that many stored spans.
 #pragma once
 
 #include <cstdint>
@@ -18,6 +20,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "sim/SimulatedDriveConfig.h"
 
 namespace host {
 
@@ -34,6 +38,7 @@ struct SimDeviceDescription {
     std::vector<uint64_t> flaky;
     std::vector<uint64_t> internal;
     uint32_t costMs = 0;
+    std::vector<sim::SlowSpan> slow;
     bool operator==(const SimDeviceDescription&) const = default;
 };
 

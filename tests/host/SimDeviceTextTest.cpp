@@ -16,7 +16,9 @@ void PrintTo(const SimDeviceDescription& described, std::ostream* os) {
     for (uint64_t sector : described.flaky) *os << " " << sector;
     *os << ", internal";
     for (uint64_t sector : described.internal) *os << " " << sector;
-    *os << ", cost " << described.costMs;
+    *os << ", cost " << described.costMs << ", slow";
+    for (const sim::SlowSpan& span : described.slow)
+        *os << " " << span.first << "+" << span.count << ":" << span.ms;
 }
 
 }  // namespace host
@@ -43,6 +45,7 @@ TEST(SimDeviceTextTest, ValidTexts) {
     everything.flaky = {7, 8};
     everything.internal = {999};
     everything.costMs = 60000;
+    everything.slow = {{0, 1000, 1}, {500, 1, 60000}};
     SimDeviceDescription lastSectorBad = described(100);
     lastSectorBad.bad = {{95, 5}};
 
@@ -66,7 +69,8 @@ TEST(SimDeviceTextTest, ValidTexts) {
         {"sim:1s,sector=65536", described(1, 65536)},
         {"sim:1MiB,bad=1000", withBad(described(2048), {{1000, 1}})},
         {"sim:1MiB,bad=1000+5", withBad(described(2048), {{1000, 5}})},
-        {"sim:1000s,bad=10,bad=20+5,flaky=7,flaky=8,internal=999,sector=4096,cost=60000",
+        {"sim:1000s,bad=10,bad=20+5,flaky=7,flaky=8,internal=999,sector=4096,cost=60000,"
+         "slow=0+1000:1,slow=500+1:60000",
          everything},
         {"sim:100s,bad=95+5", lastSectorBad},
         // A span may be as long as the limit when the drive holds it.
@@ -117,6 +121,12 @@ TEST(SimDeviceTextTest, InvalidTextsSayWhatIsWrong) {
         {"sim:1MiB,internal=2048", "sector 2048 lies beyond"},
         {"sim:1MiB,sector=4096,bad=256", "sector 256 lies beyond the drive's 256 sectors"},
         {"sim:1MiB,flaky=x", "expected a sector number"},
+        {"sim:1MiB,slow=5+10", "expected LBA+COUNT:MS"},
+        {"sim:1MiB,slow=5:10", "expected LBA+COUNT:MS"},
+        {"sim:1MiB,slow=5+10:", "expected LBA+COUNT:MS"},
+        {"sim:1MiB,slow=5+0:10", "COUNT must be at least 1 and MS from 1 to 60000"},
+        {"sim:1MiB,slow=5+1:60001", "COUNT must be at least 1 and MS from 1 to 60000"},
+        {"sim:1MiB,slow=2000+49:10", "sector 2048 lies beyond"},
         {"simx:1MiB", "sim:SIZE"},
         {"/dev/sdb", "sim:SIZE"},
     };

@@ -293,12 +293,18 @@ TEST(SimulatedDrive, ChargesItsCostToTheInstalledClock) {
     const auto R = Operation::Kind::Read;
     const auto W = Operation::Kind::Write;
     const Row rows[] = {
-        {"per read", {5, 0, 0}, {{R, 0, 1}, {R, 0, 8}}, 10},
-        {"per write", {5, 7, 0}, {{W, 0, 1}, {W, 0, 2}, {R, 0, 1}}, 19},
-        {"per sector", {0, 0, 1500}, {{R, 0, 4}}, 6},
-        {"fractions carry over", {0, 0, 300}, {{R, 0, 1}, {R, 0, 1}, {R, 0, 1}, {R, 0, 1}}, 1},
-        {"failed read still costs", {3, 0, 1000}, {{R, 99, 2}}, 5},
-        {"free drive", {0, 0, 0}, {{R, 0, 64}, {W, 0, 64}}, 0},
+        {"per read", {5, 0, 0, {}}, {{R, 0, 1}, {R, 0, 8}}, 10},
+        {"per write", {5, 7, 0, {}}, {{W, 0, 1}, {W, 0, 2}, {R, 0, 1}}, 19},
+        {"per sector", {0, 0, 1500, {}}, {{R, 0, 4}}, 6},
+        {"fractions carry over", {0, 0, 300, {}}, {{R, 0, 1}, {R, 0, 1}, {R, 0, 1}, {R, 0, 1}}, 1},
+        {"failed read still costs", {3, 0, 1000, {}}, {{R, 99, 2}}, 5},
+        {"free drive", {0, 0, 0, {}}, {{R, 0, 64}, {W, 0, 64}}, 0},
+        // Sectors 10-19 cost 40 ms more, 15-16 80: a read touching a span pays its slowest,
+        // once; reads beside a span and writes over it pay nothing more.
+        {"slow spans",
+         {1, 0, 0, {{10, 10, 40}, {15, 2, 80}}},
+         {{R, 9, 1}, {R, 20, 1}, {R, 8, 3}, {R, 19, 4}, {R, 14, 2}, {W, 10, 10}},
+         5 + 40 + 40 + 80},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);

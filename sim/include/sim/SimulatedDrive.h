@@ -106,6 +106,9 @@ private:
     // Sectors covered by a buffer of `bufferSize` bytes; 0 when that is not a usable length.
     uint32_t sectorsIn(const void* buffer, unsigned int bufferSize) const;
     bool withinCapacity(uint64_t first, uint64_t count) const;
+    // What a read of `count` sectors from `first` costs: perReadMs and the slowest span it
+    // touches.
+    uint32_t readCostMs(uint64_t first, uint64_t count) const;
     void charge(uint32_t commandMs, uint64_t sectors);
     quel5::TestResult finish(Operation::Kind kind, uint64_t start, uint32_t sectors,
                              unsigned int requested, quel5::TestResult result);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <vector>
 
 #include "quel5/TestResult.h"
 
@@ -17,10 +18,20 @@ enum class UnwrittenContent { LbaPattern, Zeros };
 // verifies cost perReadMs, writes perWriteMs, and each sector transferred perSectorMicroseconds
 // more; fractions of a millisecond are carried over to the next operation. All 0 by default, so
 // a drive under the real clock never sleeps unless asked to.
+// Sectors whose reads take longer, as a worn area of a disk does: a read or verify touching
+// any of them costs `ms` more (the most of the spans it touches).
+struct SlowSpan {
+    uint64_t first = 0;
+    uint64_t count = 0;
+    uint32_t ms = 0;
+    bool operator==(const SlowSpan&) const = default;
+};
+
 struct TimeCost {
     uint32_t perReadMs = 0;
     uint32_t perWriteMs = 0;
     uint32_t perSectorMicroseconds = 0;
+    std::vector<SlowSpan> slowReads;
 };
 
 // Answers to the drive's yes/no questions and results; tests may change them between calls
