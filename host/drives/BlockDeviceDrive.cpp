@@ -6,6 +6,7 @@
 #include "drives/RecordingDrive.h"
 #include "drives/UndoJournal.h"
 #include "kiv/Log.h"
+#include "os/Clock.h"
 #include "os/Utf8.h"
 
 namespace host {
@@ -137,6 +138,7 @@ void* BlockDeviceDrive::GetHandle() { return blockdevice::toDriveHandle(handle_.
 
 TestResult BlockDeviceDrive::ReadSectors(const uint64_t& startSector, unsigned int count,
                                          void* buffer, unsigned int bufferSize) {
+    readMs_ = 0;
     if (!handle_.valid()) {
         return failed(path_ + " is not open", TestResult::INTERNALERROR);
     }
@@ -177,6 +179,7 @@ TestResult BlockDeviceDrive::WriteSectors(const uint64_t& startSector, unsigned 
 }
 
 TestResult BlockDeviceDrive::VerifySectors(const uint64_t& startSector, unsigned int count) {
+    readMs_ = 0;
     if (!handle_.valid()) {
         return failed(path_ + " is not open", TestResult::INTERNALERROR);
     }
@@ -301,8 +304,12 @@ TestResult BlockDeviceDrive::transfer(Direction direction, uint64_t startSector,
     if (direction == Direction::Write) {
         readAhead_->invalidate(offset, bytes);
         moved = move(direction, offset, buffer, bytes);
-    } else if (!readAhead_->serve(offset, bytes, buffer, &moved)) {
+    } else if (uint64_t aheadMs = 0; readAhead_->serve(offset, bytes, buffer, &moved, &aheadMs)) {
+        readMs_ += aheadMs;
+    } else {
+        const uint64_t started = os::clock().monotonicMilliseconds();
         moved = move(direction, offset, buffer, bytes);
+        readMs_ += os::clock().monotonicMilliseconds() - started;
     }
     if (!moved.error.ok() && direct_ && kind_ == blockdevice::Kind::ImageFile &&
         blockdevice::isDirectTransferRefused(moved.error.code)) {

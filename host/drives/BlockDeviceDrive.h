@@ -99,6 +99,10 @@ public:
     void attachUndoJournal(UndoJournal* journal);
 
     const std::string& path() const { return path_; }
+    // Milliseconds the device spent on the reads of the last ReadSectors or VerifySectors: a
+    // read answered from read-ahead counts the time its block's own read took, not the time
+    // the caller waited for it.
+    uint64_t lastReadMilliseconds() const { return readMs_; }
     // True when transfers currently bypass the system's cache.
     bool usesDirectIo() const { return direct_; }
     bool isImageFile() const { return kind_ == blockdevice::Kind::ImageFile; }
@@ -162,6 +166,7 @@ private:
     std::string lastError_;
     std::string lockFailure_;
     UndoJournal* undo_ = nullptr;
+    uint64_t readMs_ = 0;
     // Last, so that its reads in flight end before the handles close.
     std::unique_ptr<ReadAhead> readAhead_;
 };

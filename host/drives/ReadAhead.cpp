@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <utility>
+#include "os/Clock.h"
 
 namespace host {
 
@@ -28,7 +29,7 @@ ReadAhead::~ReadAhead() {
 }
 
 bool ReadAhead::serve(uint64_t offset, size_t bytes, unsigned char* destination,
-                      os::IoResult* result) {
+                      os::IoResult* result, uint64_t* readMs) {
     std::unique_lock<std::mutex> lock(mutex_);
     pattern_.observe(offset, bytes);
     Block* holder = findHolder(offset, bytes);
@@ -56,6 +57,7 @@ bool ReadAhead::serve(uint64_t offset, size_t bytes, unsigned char* destination,
     const size_t copied = exact ? read.bytes : bytes;
     std::memcpy(destination, holder->data + skipped, copied);
     *result = exact ? read : os::IoResult{bytes, {}};
+    *readMs = holder->readMs;
     holder->state = State::Free;
     ++counters_.served;
     return true;
@@ -208,13 +210,16 @@ void ReadAhead::work() {
         const size_t bytes = block->bytes;
         unsigned char* data = block->data;
         lock.unlock();
+        const uint64_t started = os::clock().monotonicMilliseconds();
         os::IoResult read = reader_(offset, data, bytes);
+        const uint64_t readMs = os::clock().monotonicMilliseconds() - started;
         lock.lock();
         if (block->abandoned) {
             block->abandoned = false;
             block->state = State::Free;
         } else {
             block->result = std::move(read);
+            block->readMs = readMs;
             block->state = State::Done;
         }
         finished_.notify_all();

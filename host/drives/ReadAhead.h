@@ -57,9 +57,11 @@ public:
 
     // Takes note of a request for `bytes` bytes at `offset` and queues what the stream
     // predicts. True when the request was answered from a block read ahead: then `destination`
-    // holds the data (unless *result says the read failed) and *result is the read's outcome.
+    // holds the data (unless *result says the read failed), *result is the read's outcome and
+    // *readMs the milliseconds the block's own read took on the device, however long ago.
     // False when the caller must read the range itself; `destination` is untouched.
-    bool serve(uint64_t offset, size_t bytes, unsigned char* destination, os::IoResult* result);
+    bool serve(uint64_t offset, size_t bytes, unsigned char* destination, os::IoResult* result,
+               uint64_t* readMs);
 
     // The range is about to be written: no block overlapping it will be served, and the
     // stream is forgotten (reads mixed with writes are not a sweep worth reading ahead of).
@@ -79,6 +81,7 @@ private:
         uint64_t offset = 0;
         size_t bytes = 0;
         os::IoResult result;
+        uint64_t readMs = 0;  // how long the device took to read it
         AlignedBuffer buffer;
         unsigned char* data = nullptr;  // in buffer, big enough for bytes
     };

@@ -4,9 +4,12 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 
 #include "drives/OperationRecord.h"
+#include "drives/ReadTimes.h"
 #include "libDrive/Drive.h"
+#include "os/Clock.h"
 
 namespace host {
 
@@ -15,6 +18,8 @@ class RecordsOperations {
 public:
     virtual ~RecordsOperations() = default;
     virtual const OperationRecord& operations() const = 0;
+    // How long its reads took; null before the first read.
+    virtual const ReadTimes* readTimes() const = 0;
 };
 
 template <typename Base>
@@ -24,9 +29,9 @@ public:
 
     quel5::TestResult ReadSectors(const uint64_t& startSector, unsigned int count, void* buffer,
                                   unsigned int bufferSize) override {
+        const uint64_t started = os::clock().monotonicMilliseconds();
         const quel5::TestResult result = Base::ReadSectors(startSector, count, buffer, bufferSize);
-        record_.add(OperationRecord::Kind::Read, startSector, moved(count, bufferSize),
-                    result == quel5::TestResult::PASS);
+        recordRead(startSector, moved(count, bufferSize), started, result);
         return result;
     }
     quel5::TestResult WriteSectors(const uint64_t& startSector, unsigned int count,
@@ -37,15 +42,29 @@ public:
         return result;
     }
     quel5::TestResult VerifySectors(const uint64_t& startSector, unsigned int count) override {
+        const uint64_t started = os::clock().monotonicMilliseconds();
         const quel5::TestResult result = Base::VerifySectors(startSector, count);
-        record_.add(OperationRecord::Kind::Read, startSector, count,
-                    result == quel5::TestResult::PASS);
+        recordRead(startSector, count, started, result);
         return result;
     }
 
     const OperationRecord& operations() const override { return record_; }
+    const ReadTimes* readTimes() const override { return times_ ? &*times_ : nullptr; }
 
 private:
+    void recordRead(uint64_t first, uint64_t sectors, uint64_t startedMs,
+                    quel5::TestResult result) {
+        const bool succeeded = result == quel5::TestResult::PASS;
+        record_.add(OperationRecord::Kind::Read, first, sectors, succeeded);
+        // A drive that reads ahead knows what each read cost the device; others are timed
+        // around the call.
+        uint64_t ms = os::clock().monotonicMilliseconds() - startedMs;
+        if constexpr (requires(const Base& drive) { drive.lastReadMilliseconds(); })
+            ms = this->lastReadMilliseconds();
+        if (!times_) times_.emplace(this->GetTotalSectors());
+        times_->add(first, sectors, ms, !succeeded);
+    }
+
     // Drives move the whole buffer they are given, even when asked for fewer sectors.
     uint64_t moved(unsigned int count, unsigned int bufferSize) {
         const uint32_t sectorBytes = this->GetBytesPerSector();
@@ -53,6 +72,7 @@ private:
     }
 
     OperationRecord record_;
+    std::optional<ReadTimes> times_;
 };
 
 }  // namespace host

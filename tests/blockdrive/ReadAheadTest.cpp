@@ -3,6 +3,7 @@
 // off the stream drop what was read ahead; nothing in flight outlives drain().
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdint>
 #include <set>
 #include <string>
@@ -11,6 +12,7 @@
 
 #include "blockdrive/FakeDevice.h"
 #include "drives/ReadAhead.h"
+#include "os/Clock.h"
 
 namespace {
 
@@ -23,6 +25,7 @@ constexpr uint32_t kBadSector = 5;  // EIO's number; any nonzero code will do
 
 struct Answer {
     bool served = false;
+    uint64_t readMs = 0;
     os::IoResult result;
     std::vector<uint8_t> data;
 };
@@ -31,7 +34,7 @@ struct Answer {
 Answer request(ReadAhead& ahead, FakeDevice& device, uint64_t offset, size_t bytes) {
     Answer answer;
     answer.data.assign(bytes, 0xEE);
-    answer.served = ahead.serve(offset, bytes, answer.data.data(), &answer.result);
+    answer.served = ahead.serve(offset, bytes, answer.data.data(), &answer.result, &answer.readMs);
     if (!answer.served) {
         answer.result = device.read(offset, answer.data.data(), bytes);
     }
@@ -247,6 +250,48 @@ TEST(ReadAhead, LeavingTheStreamDropsReadsWithoutWaitingForThem) {
         }
         EXPECT_EQ(ahead->counters().served, 14u);
     }
+}
+
+// A clock that only moves when the device reads: every worker read takes 40 ms of it (one
+// worker at a time, so that the reads do not overlap).
+class DeviceTimeClock : public os::Clock {
+public:
+    DeviceTimeClock() : real_(os::clock()) { os::installClock(this); }
+    ~DeviceTimeClock() override { os::installClock(nullptr); }
+    uint64_t nowMilliseconds() override { return now_.load(); }
+    uint64_t monotonicMilliseconds() override { return now_.load(); }
+    void sleep(uint32_t milliseconds) override { now_ += milliseconds; }
+    bool wait(os::Waitable& object, uint32_t timeoutMs) override {
+        return real_.wait(object, timeoutMs);
+    }
+
+private:
+    os::Clock& real_;
+    std::atomic<uint64_t> now_{0};
+};
+
+// A slow block must show as slow on the map even when it was read ahead long before it was
+// asked for: what a served request carries is its block's own read time.
+TEST(ReadAhead, AServedRequestCarriesItsBlocksOwnReadTime) {
+    const DeviceTimeClock clock;
+    FakeDevice device(64 * kBlock);
+    const ReadAhead::Reader timed = [reader = device.reader()](
+                                        uint64_t offset, unsigned char* buffer, size_t bytes) {
+        const os::IoResult result = reader(offset, buffer, bytes);
+        os::sleepMilliseconds(40);
+        return result;
+    };
+    ReadAhead ahead(timed, 64 * kBlock, kAlignment, 1, 16 * kBlock);
+    std::size_t served = 0;
+    for (uint64_t block = 0; block < 12; ++block) {
+        const Answer answer = request(ahead, device, block * kBlock, kBlock);
+        // Let every read begun finish first: the next request then waits for nothing.
+        device.waitForWorkerReads(ahead.counters().started);
+        if (!answer.served) continue;
+        ++served;
+        EXPECT_EQ(answer.readMs, 40u) << "block " << block;
+    }
+    EXPECT_GE(served, 6u);
 }
 
 TEST(ReadAhead, DestructionWaitsForReadsInFlight) {
