@@ -18,14 +18,14 @@ namespace kivrlibdrive {
 // lastSessionLeadInStart and lastPossibleLeadOutStart are in host byte order; every other byte
 // is as the drive sent it.
 struct CDRRDiskInformation {
-    uint16_t dataLength;                 // bytes following this field
-    uint8_t discStatus;                  // bits 0-1 disc status, 2-3 last session state, 4 erasable
-    uint8_t firstTrackNumber;            // first track on the disc
-    uint8_t numberOfSessionsLsb;         //
-    uint8_t firstTrackInLastSessionLsb;  //
-    uint8_t lastTrackInLastSessionLsb;   //
-    uint8_t flags;                       // bits 0-1 background format status, 2 DBC_V, 5 URU ...
-    uint8_t discType;                    // 0x00 CD-DA/CD-ROM, 0x10 CD-I, 0x20 CD-ROM XA
+    uint16_t dataLength;       // bytes following this field
+    uint8_t discStatus;        // bits 0-1 disc status, 2-3 last session state, 4 erasable
+    uint8_t firstTrackNumber;  // first track on the disc
+    uint8_t numberOfSessionsLsb;
+    uint8_t firstTrackInLastSessionLsb;
+    uint8_t lastTrackInLastSessionLsb;
+    uint8_t flags;     // bits 0-1 background format status, 2 DBC_V, 5 URU ...
+    uint8_t discType;  // 0x00 CD-DA/CD-ROM, 0x10 CD-I, 0x20 CD-ROM XA
     uint8_t numberOfSessionsMsb;
     uint8_t firstTrackInLastSessionMsb;
     uint8_t lastTrackInLastSessionMsb;
@@ -40,16 +40,16 @@ struct CDRRDiskInformation {
 // The MMC write parameters mode page (page 05h), 56 bytes. After parsing, packetSize and
 // audioPauseLength are in host byte order; every other byte is as on the wire.
 struct WriteParametersInfo {
-    uint8_t pageCode;           // bits 0-5 page code, 6 SPF, 7 PS
-    uint8_t pageLength;         // bytes following this field
-    uint8_t writeType;          // bits 0-3 write type, 4 test write, 5 LS_V, 6 BUFE
-    uint8_t trackMode;          // bits 0-3 track mode, 4 copy, 5 FP, 6-7 multi-session
-    uint8_t dataBlockType;      // bits 0-3
-    uint8_t linkSize;           //
-    uint8_t reserved6;          //
-    uint8_t applicationCode;    // bits 0-5: initiator application code
-    uint8_t sessionFormat;      //
-    uint8_t reserved9;          //
+    uint8_t pageCode;       // bits 0-5 page code, 6 SPF, 7 PS
+    uint8_t pageLength;     // bytes following this field
+    uint8_t writeType;      // bits 0-3 write type, 4 test write, 5 LS_V, 6 BUFE
+    uint8_t trackMode;      // bits 0-3 track mode, 4 copy, 5 FP, 6-7 multi-session
+    uint8_t dataBlockType;  // bits 0-3
+    uint8_t linkSize;
+    uint8_t reserved6;
+    uint8_t applicationCode;  // bits 0-5: initiator application code
+    uint8_t sessionFormat;
+    uint8_t reserved9;
     uint32_t packetSize;        // blocks per packet for fixed packets
     uint16_t audioPauseLength;  // blocks
     uint8_t mediaCatalogNumber[16];
@@ -73,7 +73,7 @@ struct tag_CBlankingThreadParms {
 };
 
 // The drive geometry as the system reports it for a disk (the layout of Windows'
-// DISK_GEOMETRY). mediaType is the system's media class number; 0 where it is not known.
+// DISK_GEOMETRY). MediaType is the system's media class number, 0 where it is not known.
 struct DiskGeometry {
     int64_t Cylinders;
     uint32_t MediaType;
