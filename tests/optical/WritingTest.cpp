@@ -221,7 +221,7 @@ TEST_F(OpticalDriveTest, ClosingSendsTheFunctionTheDeviceAsksFor) {
         if (c.write) {
             closer.getDriveGeometry();
             const std::vector<uint8_t> data(16 * 2048, 0x11);
-            closer.writeSectors(0, 16, data.data(), data.size());
+            closer.writeSectors(0, 16, data.data(), 16 * 2048);
         }
         writer->clearHistory();
         std::optional<unsigned int> error;
