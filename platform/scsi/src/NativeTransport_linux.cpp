@@ -8,6 +8,7 @@
 #include <cerrno>
 
 #include "NativeTransport.h"
+#include "PassThroughErrors.h"
 
 namespace kivscsi {
 namespace {
@@ -18,42 +19,6 @@ constexpr unsigned kHostTimeOut = 0x03;
 constexpr unsigned kHostBadTarget = 0x04;
 constexpr unsigned kDriverTimeout = 0x06;
 constexpr unsigned kDriverStatusMask = 0x0F;
-
-Status statusForOpenError(int error) {
-    switch (error) {
-        case ENOENT:
-        case ENXIO:
-        case ENODEV:
-            return kStatusNoSuchDevice;
-        case EACCES:
-        case EPERM:
-        case EBUSY:
-        case EROFS:
-            return kStatusAccessDenied;
-        default:
-            return kStatusTransportError;
-    }
-}
-
-Status statusForIoctlError(int error) {
-    switch (error) {
-        case ENODEV:
-        case ENXIO:
-            return kStatusDeviceGone;
-        case ETIMEDOUT:
-            return kStatusTimedOut;
-        case ENOTTY:
-        case EINVAL:
-            return kStatusNotScsiDevice;
-        case ENOMEM:
-            return kStatusInvalidRequest;
-        case EACCES:
-        case EPERM:
-            return kStatusAccessDenied;
-        default:
-            return kStatusTransportError;
-    }
-}
 
 int sgDirection(DataDirection direction) {
     switch (direction) {
@@ -92,7 +57,8 @@ private:
         io.timeout = command.timeoutMs;
 
         if (::ioctl(fd_, SG_IO, &io) < 0) {
-            response.transportStatus = statusForIoctlError(errno);
+            response.transportStatus =
+                detail::statusForPassThroughError(static_cast<uint32_t>(errno));
             return;
         }
         if (io.host_status == kHostTimeOut ||
@@ -130,7 +96,7 @@ OpenResult openNativeTransport(const std::string& deviceName) {
     if (fd < 0 && (errno == EACCES || errno == EROFS)) {
         fd = ::open(deviceName.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     }
-    if (fd < 0) return {nullptr, statusForOpenError(errno)};
+    if (fd < 0) return {nullptr, detail::statusForOpenError(static_cast<uint32_t>(errno))};
     if (!answersSgIo(fd)) {
         ::close(fd);
         return {nullptr, kStatusNotScsiDevice};
