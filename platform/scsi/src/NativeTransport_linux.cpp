@@ -9,16 +9,10 @@
 
 #include "NativeTransport.h"
 #include "PassThroughErrors.h"
+#include "scsi/SgIoStatus.h"
 
 namespace kivscsi {
 namespace {
-
-// Values of sg_io_hdr.host_status and driver_status the kernel reports.
-constexpr unsigned kHostNoConnect = 0x01;
-constexpr unsigned kHostTimeOut = 0x03;
-constexpr unsigned kHostBadTarget = 0x04;
-constexpr unsigned kDriverTimeout = 0x06;
-constexpr unsigned kDriverStatusMask = 0x0F;
 
 int sgDirection(DataDirection direction) {
     switch (direction) {
@@ -61,19 +55,8 @@ private:
                 detail::statusForPassThroughError(static_cast<uint32_t>(errno));
             return;
         }
-        if (io.host_status == kHostTimeOut ||
-            (io.driver_status & kDriverStatusMask) == kDriverTimeout) {
-            response.transportStatus = kStatusTimedOut;
-            return;
-        }
-        if (io.host_status == kHostNoConnect || io.host_status == kHostBadTarget) {
-            response.transportStatus = kStatusDeviceGone;
-            return;
-        }
-        if (io.host_status != 0) {
-            response.transportStatus = kStatusAdapterError;
-            return;
-        }
+        response.transportStatus = statusFromSgIoHost(io.host_status, io.driver_status);
+        if (response.transportStatus != kStatusGood) return;
         response.scsiStatus = io.status;
         response.senseLength = io.sb_len_wr;
         response.residual = hasData ? static_cast<uint32_t>(io.resid) : 0;
