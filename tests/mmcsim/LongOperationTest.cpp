@@ -52,17 +52,6 @@ TEST_F(WriterTest, AnImmediateFormatReportsProgressUntilItEnds) {
     EXPECT_EQ(discInformation().discStatus, 2);
 }
 
-TEST_F(WriterTest, AFormatWithoutImmedReturnsWhenTheFormatIsDone) {
-    DiscModel disc = sim::mmc::discOf(MediaKind::BdRe);
-    disc.formatSeconds = kFormatSeconds;
-    loadReady(disc);
-    const uint64_t before = clock.elapsedMilliseconds();
-    ASSERT_EQ(format(path, 0x30, false), 0u);
-    EXPECT_EQ(clock.elapsedMilliseconds() - before, kFormatSeconds * 1000);
-    EXPECT_EQ(testUnitReady(), 0u);
-    EXPECT_EQ(write(0, 1, 1), 0u);
-}
-
 TEST_F(WriterTest, ABlankOnAWorkerKeepsTheDriveBusyForItsTime) {
     DiscModel disc = sim::mmc::discOf(MediaKind::CdRw);
     disc.minimalBlankSeconds = 30;
