@@ -1,5 +1,5 @@
 // Manufacturer and disc identifiers of DVD and BD media, and the ATIP times of a CD.
-#include <functional>
+#include <optional>
 
 #include "OpticalDriveFixture.h"
 #include "libDrive/Exceptions.h"
@@ -13,30 +13,21 @@ namespace op = sim::mmc::opcode;
 struct IdCase {
     const char* name;
     MediaKind kind;
-    std::string manufacturer;  // as the disc carries it
-    std::string discId;
+    std::string manufacturer, discId;        // as the disc carries them
     std::optional<uint16_t> firstReadFails;  // the first structure read of each call answers this
-    const char* expectedManufacturer;        // null: FailedRetrivingADIPInfo
-    const char* expectedDiscId;
-    std::vector<uint8_t> formatsSent;  // DVD structure formats of both calls, in order
+    std::string expectedManufacturer, expectedDiscId;  // "" when the read throws
+    std::vector<uint8_t> formatsSent;                  // structure formats of both calls
 };
 
 TEST_F(OpticalDriveTest, DvdIdentifiersFallBackToPhysicalFormatOnlyWhenAdipIsRefused) {
     const IdCase cases[] = {
-        {"plain",
-         MediaKind::DvdPlusR,
-         "RICOHJPN",
-         "R03",
-         std::nullopt,
-         "RICOHJPN",
-         "R03",
-         {0x11, 0x11}},
-        // DVD-R has no ADIP: both are read from the physical format information.
+        {"plain", MediaKind::DvdPlusR, "RICOHJPN", "R03", {}, "RICOHJPN", "R03", {0x11, 0x11}},
+        // DVD-R has no ADIP: both come from the physical format information.
         {"blanks trimmed",
          MediaKind::DvdMinusR,
          "  MKM   ",
          " G1",
-         std::nullopt,
+         {},
          "MKM",
          "G1",
          {0x11, 0x00, 0x11, 0x00}},
@@ -44,42 +35,31 @@ TEST_F(OpticalDriveTest, DvdIdentifiersFallBackToPhysicalFormatOnlyWhenAdipIsRef
          MediaKind::DvdPlusR,
          std::string("AB\0CDEFG", 8),
          std::string("X\0Y", 3),
-         std::nullopt,
+         {},
          "AB",
          "X",
          {0x11, 0x11}},
-        {"other error",
-         MediaKind::DvdPlusR,
-         "RICOHJPN",
-         "R03",
-         0x3100,
-         nullptr,
-         nullptr,
-         {0x11, 0x11}},
+        {"other error", MediaKind::DvdPlusR, "RICOHJPN", "R03", 0x3100, "", "", {0x11, 0x11}},
     };
     for (const IdCase& c : cases) {
         SCOPED_TRACE(c.name);
-        writer->clearFaults();
         sim::mmc::DiscModel disc = sim::mmc::discOf(c.kind);
         disc.manufacturerId = c.manufacturer;
         disc.discId = c.discId;
         loadReady(disc);
         writer->clearHistory();
-        std::string manufacturer = "(failed)";
-        std::string discId = "(failed)";
-        if (c.firstReadFails) fail(op::kReadDiscStructure, *c.firstReadFails, 1);
-        try {
-            manufacturer = drive->getDiscManufacturerID().toUtf8();
-        } catch (const kivrlibdrive::FailedRetrivingADIPInfo& failure) {
-            EXPECT_EQ(failure.getMessage().toUtf8(), "Cannot retrieve ADIP info.");
+        std::string ids[2];
+        for (int call = 0; call < 2; ++call) {
+            if (c.firstReadFails) fail(op::kReadDiscStructure, *c.firstReadFails, 1);
+            try {
+                ids[call] =
+                    (call == 0 ? drive->getDiscManufacturerID() : drive->getDiscID()).toUtf8();
+            } catch (const kivrlibdrive::FailedRetrivingADIPInfo& failure) {
+                EXPECT_EQ(failure.getMessage().toUtf8(), "Cannot retrieve ADIP info.");
+            }
         }
-        if (c.firstReadFails) fail(op::kReadDiscStructure, *c.firstReadFails, 1);
-        try {
-            discId = drive->getDiscID().toUtf8();
-        } catch (const kivrlibdrive::FailedRetrivingADIPInfo&) {
-        }
-        EXPECT_EQ(manufacturer, c.expectedManufacturer ? c.expectedManufacturer : "(failed)");
-        EXPECT_EQ(discId, c.expectedDiscId ? c.expectedDiscId : "(failed)");
+        EXPECT_EQ(ids[0], c.expectedManufacturer);
+        EXPECT_EQ(ids[1], c.expectedDiscId);
         std::vector<uint8_t> formats;
         for (const auto& cdb : commands(op::kReadDiscStructure)) formats.push_back(cdb[7]);
         EXPECT_EQ(formats, c.formatsSent);
@@ -88,17 +68,6 @@ TEST_F(OpticalDriveTest, DvdIdentifiersFallBackToPhysicalFormatOnlyWhenAdipIsRef
               (std::vector<std::string>{"1318 Manufacturer Id : RICOHJPN", "1452 Disc Id : R03",
                                         "1318 Manufacturer Id : MKM", "1452 Disc Id : G1",
                                         "1318 Manufacturer Id : AB", "1452 Disc Id : X"}));
-}
-
-TEST_F(OpticalDriveTest, RefusedAdipIsReadAgainAsPhysicalFormatInformation) {
-    loadReady(MediaKind::DvdPlusR);
-    fail(op::kReadDiscStructure, 0x2400, 1);
-    drive->getDiscManufacturerID();
-    fail(op::kReadDiscStructure, 0x2400, 1);
-    drive->getDiscID();
-    std::vector<uint8_t> formats;
-    for (const auto& cdb : commands(op::kReadDiscStructure)) formats.push_back(cdb[7]);
-    EXPECT_EQ(formats, (std::vector<uint8_t>{0x11, 0x00, 0x11, 0x00}));
     const std::string notice =
         "Drive does not support reading ADIP info directly.  Firmware update may fix this problem";
     const std::string second = "Use second method by reading physical format infomation";
@@ -106,34 +75,30 @@ TEST_F(OpticalDriveTest, RefusedAdipIsReadAgainAsPhysicalFormatInformation) {
                                                    "1423 " + notice, "1423 " + second}));
 }
 
-TEST_F(OpticalDriveTest, BluRayIdentifiersComeFromTheDiscInformation) {
-    sim::mmc::DiscModel disc = sim::mmc::discOf(MediaKind::BdR);
-    disc.manufacturerId = "VERBAT";
-    disc.discId = "IM0";
-    loadReady(disc);
+TEST_F(OpticalDriveTest, BluRayIdentifiersAndCdAtipTimes) {
+    sim::mmc::DiscModel bd = sim::mmc::discOf(MediaKind::BdR);
+    bd.manufacturerId = "VERBAT";
+    bd.discId = "IM0";
+    loadReady(bd);
     EXPECT_EQ(drive->getBLUERAYDiscManufacturerID().toUtf8(), "VERBAT");
     EXPECT_EQ(drive->getBLUERAYDiscID().toUtf8(), "IM0");
-    EXPECT_EQ(logged(1),
-              (std::vector<std::string>{"1354 Manufacturer Id : VERBAT", "1393 Disc Id : IM0"}));
     fail(op::kReadDiscStructure, 0x3000, 2);
     EXPECT_THROW(drive->getBLUERAYDiscManufacturerID(), kivrlibdrive::FailedRetrivingADIPInfo);
     EXPECT_THROW(drive->getBLUERAYDiscID(), kivrlibdrive::FailedRetrivingADIPInfo);
-    EXPECT_EQ(logged(4),
-              (std::vector<std::string>{
-                  "1339 Failed Reading Blue Ray disc Structure for Manufacturer id. Error Code: "
-                  "12288",
-                  "1376 Failed Reading BlueRay Disc Structure for Disc id"}));
-}
+    EXPECT_EQ(logged(4), (std::vector<std::string>{
+                             "1339 Failed Reading Blue Ray disc Structure for Manufacturer id. "
+                             "Error Code: 12288",
+                             "1376 Failed Reading BlueRay Disc Structure for Disc id"}));
 
-TEST_F(OpticalDriveTest, AtipTimesInMinutesSecondsFrames) {
-    sim::mmc::DiscModel disc = sim::mmc::discOf(MediaKind::CdR);
-    disc.leadIn = {97, 27, 21};
-    disc.leadOut = {79, 59, 71};
-    loadReady(disc);
+    sim::mmc::DiscModel cd = sim::mmc::discOf(MediaKind::CdR);
+    cd.leadIn = {97, 27, 21};
+    cd.leadOut = {79, 59, 71};
+    loadReady(cd);
     EXPECT_EQ(drive->getLeadInTime(), (kiv::Array<unsigned int>{97, 27, 21}));
     EXPECT_EQ(drive->getLeadOutTime(), (kiv::Array<unsigned int>{79, 59, 71}));
     EXPECT_EQ(logged(1),
-              (std::vector<std::string>{"1479 Lead In : 97:27:21", "1506 Lead Out : 79:59:71"}));
+              (std::vector<std::string>{"1354 Manufacturer Id : VERBAT", "1393 Disc Id : IM0",
+                                        "1479 Lead In : 97:27:21", "1506 Lead Out : 79:59:71"}));
     fail(op::kReadTocPmaAtip, 0x2400, 1);
     try {
         drive->getLeadInTime();

@@ -1,6 +1,7 @@
 // Readiness, eject, handles and media events of the optical drive.
 #include <functional>
 #include <optional>
+#include <tuple>
 
 #include "OpticalDriveFixture.h"
 #include "libDrive/Exceptions.h"
@@ -136,14 +137,22 @@ TEST_F(ReadinessTest, EjectTriesFiveTimesAndFailsOnlyWhenTheTrayStaysShut) {
     }
 }
 
-TEST_F(ReadinessTest, ExclusiveAccessRegistersTheHandleUntilReleased) {
+TEST_F(ReadinessTest, ExclusiveAccessKeepsTheHandleEnteredUntilReleasedOrDestroyed) {
+    loadReady(MediaKind::CdR);
     drive->getExclusiveDriveAccess();
     EXPECT_TRUE(libStorage::LookupManager::contains(kDevice));
     EXPECT_EQ(logged(2), (std::vector<std::string>{"954 Got Exclusive Access to the drive"}));
     drive->releaseExclusiveAccess();
     EXPECT_FALSE(libStorage::LookupManager::contains(kDevice));
     EXPECT_EQ(drive->getHandle(), reinterpret_cast<void*>(~uintptr_t{0}));
-    EXPECT_FALSE(host.events().size());
+
+    drive->getExclusiveDriveAccess();
+    drive->lockTray();
+    EXPECT_TRUE(writer->snapshot().removalPrevented);
+    drive.reset();
+    EXPECT_FALSE(writer->snapshot().removalPrevented);
+    EXPECT_FALSE(libStorage::LookupManager::contains(kDevice));
+    EXPECT_TRUE(host.events().empty());
 }
 
 TEST_F(ReadinessTest, AnUnopenableDeviceRaisesInvalidDriveHandle) {
@@ -163,49 +172,26 @@ TEST_F(ReadinessTest, AnUnopenableDeviceRaisesInvalidDriveHandle) {
     EXPECT_EQ(events[0].line, 947);
 }
 
-TEST_F(ReadinessTest, DestroyingTheDriveFreesTheTrayAndItsName) {
-    loadReady(MediaKind::CdR);
-    drive->getExclusiveDriveAccess();
-    drive->lockTray();
-    EXPECT_TRUE(writer->snapshot().removalPrevented);
-    drive.reset();
-    EXPECT_FALSE(writer->snapshot().removalPrevented);
-    EXPECT_FALSE(libStorage::LookupManager::contains(kDevice));
-}
-
-struct GesnCase {
-    const char* name;
-    std::function<void(OpticalDriveTest&)> setup;
-    bool answered;
-    bool present;  // the out arguments; stay true (their start value) when not answered
-    bool closed;
-};
-
 TEST_F(ReadinessTest, MediaEventsTellDiscAndTray) {
-    const GesnCase cases[] = {
-        {"disc loaded", [](OpticalDriveTest& t) { t.loadReady(MediaKind::DvdRom); }, true, true,
-         true},
-        {"tray open", [](OpticalDriveTest& t) { t.writer->removeDisc(); }, true, false, false},
-        {"closed and empty",
-         [](OpticalDriveTest& t) {
-             t.writer->removeDisc();
-             t.writer->pressEjectButton();
-         },
-         true, false, true},
-        {"events refused",
-         [](OpticalDriveTest& t) { t.fail(op::kGetEventStatusNotification, 0x2400); }, false, true,
+    using Setup = std::function<void(ReadinessTest&)>;
+    // Setup, answered, then the two out arguments (left true when not answered).
+    const std::tuple<Setup, bool, bool, bool> cases[] = {
+        {&ReadinessTest::readyDisc, true, true, true},
+        {&ReadinessTest::emptyTrayOpen, true, false, false},
+        {[](ReadinessTest&) {}, true, false, true},  // closed and empty
+        {[](ReadinessTest& t) { t.fail(op::kGetEventStatusNotification, 0x2400); }, false, true,
          true},
     };
-    for (const GesnCase& c : cases) {
-        SCOPED_TRACE(c.name);
-        writer->clearFaults();
-        c.setup(*this);
-        bool present = true;
-        bool closed = true;
-        EXPECT_EQ(drive->isMediaPresentGESN(present), c.answered);
-        EXPECT_EQ(drive->isTrayClosedOrNoTrayGESN(closed), c.answered);
-        EXPECT_EQ(present, c.present);
-        EXPECT_EQ(closed, c.closed);
+    for (const auto& [setup, answered, present, closed] : cases) {
+        writer->removeDisc();
+        writer->pressEjectButton();
+        setup(*this);
+        bool isPresent = true;
+        bool isClosed = true;
+        EXPECT_EQ(drive->isMediaPresentGESN(isPresent), answered);
+        EXPECT_EQ(drive->isTrayClosedOrNoTrayGESN(isClosed), answered);
+        EXPECT_EQ(isPresent, present);
+        EXPECT_EQ(isClosed, closed);
     }
 }
 
