@@ -115,13 +115,24 @@ uint16_t Disc::lastTrackInLastSession() const {
     return static_cast<uint16_t>(closedTracks_ + (complete_ ? 0 : 1));
 }
 
+bool Disc::formatsInBackground() const {
+    return model_.kind == MediaKind::DvdPlusRw || model_.kind == MediaKind::BdRe;
+}
+
 BackgroundFormat Disc::backgroundFormat(uint64_t nowMs) const {
-    if (model_.kind != MediaKind::DvdPlusRw) return BackgroundFormat::None;
+    if (!formatsInBackground()) return BackgroundFormat::None;
     if (!backgroundFormatStarted_) {
         return formatted_ ? BackgroundFormat::Done : BackgroundFormat::None;
     }
-    if (nowMs >= backgroundFormatEndMs_) return BackgroundFormat::Done;
-    return backgroundFormatStopped_ ? BackgroundFormat::Stopped : BackgroundFormat::Running;
+    if (backgroundFormatStopped_) return BackgroundFormat::Stopped;
+    if (nowMs < backgroundFormatStartMs_) return BackgroundFormat::None;
+    return nowMs < backgroundFormatEndMs_ ? BackgroundFormat::Running : BackgroundFormat::Done;
+}
+
+std::optional<uint16_t> Disc::backgroundFormatProgress(uint64_t nowMs) const {
+    if (backgroundFormat(nowMs) != BackgroundFormat::Running) return std::nullopt;
+    return static_cast<uint16_t>((nowMs - backgroundFormatStartMs_) * 0x10000 /
+                                 (backgroundFormatEndMs_ - backgroundFormatStartMs_));
 }
 
 Sense Disc::acceptWrite(uint32_t lba, uint32_t count) {
@@ -164,9 +175,7 @@ Sense Disc::close(uint8_t function, bool multiSession, uint64_t nowMs) {
     const Recording mode = recording();
     if (mode == Recording::ReadOnly) return senseOf(code::kCannotWriteIncompatibleFormat);
     if (function == 0) {
-        if (model_.kind != MediaKind::DvdPlusRw && model_.kind != MediaKind::BdRe) {
-            return senseOf(code::kInvalidFieldInCdb);
-        }
+        if (!formatsInBackground()) return senseOf(code::kInvalidFieldInCdb);
         if (backgroundFormat(nowMs) == BackgroundFormat::Running) backgroundFormatStopped_ = true;
         return {};
     }
@@ -212,19 +221,16 @@ Sense Disc::blank(uint8_t type, uint32_t& seconds) {
     return {};
 }
 
-Sense Disc::format(uint8_t formatType, uint64_t nowMs, uint32_t& seconds, bool& background) {
+Sense Disc::format(uint8_t formatType, uint64_t nowMs, uint32_t& seconds) {
     seconds = model_.formatSeconds;
-    background = false;
+    if (backgroundFormat(nowMs) == BackgroundFormat::Running) {
+        return senseOf(code::kCommandSequenceError);
+    }
     switch (model_.kind) {
         case MediaKind::DvdPlusRw:
             if (formatType != kFormatDvdPlusRw) break;
-            eraseAll();
-            formatted_ = true;
             seconds = 0;
-            background = true;
-            backgroundFormatStarted_ = true;
-            backgroundFormatStopped_ = false;
-            backgroundFormatEndMs_ = nowMs + uint64_t{model_.backgroundFormatSeconds} * 1000;
+            startFormatting(nowMs);
             return {};
         case MediaKind::DvdMinusRw:
             if (!oneOf(formatType, {kFormatDvdMinusRwFull, kFormatDvdMinusRwQuick})) break;
@@ -236,8 +242,7 @@ Sense Disc::format(uint8_t formatType, uint64_t nowMs, uint32_t& seconds, bool& 
             if (!oneOf(formatType, {kFormatFull, kFormatBdReWithSpare, kFormatBdReWithoutSpare})) {
                 break;
             }
-            eraseAll();
-            formatted_ = true;
+            startFormatting(nowMs + uint64_t{seconds} * 1000);
             return {};
         case MediaKind::DvdRam:
         case MediaKind::HdDvdRam:
@@ -253,6 +258,15 @@ Sense Disc::format(uint8_t formatType, uint64_t nowMs, uint32_t& seconds, bool& 
             return senseOf(code::kCannotFormatIncompatibleMedium);
     }
     return senseOf(code::kInvalidFieldInParameterList);
+}
+
+void Disc::startFormatting(uint64_t backgroundStartMs) {
+    eraseAll();
+    formatted_ = true;
+    backgroundFormatStarted_ = true;
+    backgroundFormatStopped_ = false;
+    backgroundFormatStartMs_ = backgroundStartMs;
+    backgroundFormatEndMs_ = backgroundStartMs + uint64_t{model_.backgroundFormatSeconds} * 1000;
 }
 
 void Disc::eraseAll() {

@@ -34,6 +34,21 @@ void sleepUntil(uint64_t deadlineMs) {
     }
 }
 
+// Commands a pending unit attention lets through untouched.
+bool passesUnitAttentionBy(uint8_t op) {
+    return op == opcode::kInquiry || op == opcode::kGetConfiguration ||
+           op == opcode::kGetEventStatusNotification;
+}
+
+// The unit attention of a medium change, as the failure of the command that meets it or, for
+// REQUEST SENSE, as its sense data.
+Reply mediumChangeAttention(const Command& command) {
+    const Sense attention = senseOf(code::kNotReadyToReadyChange);
+    if (command.cdb[0] != opcode::kRequestSense) return failure(attention);
+    const auto data = fixedSenseData(attention);
+    return answer({data.begin(), data.end()}, command.cdb[4]);
+}
+
 constexpr uint32_t kTracksPerCylinder = 64;
 constexpr uint32_t kSectorsPerTrack = 32;
 
@@ -101,7 +116,10 @@ void EmulatedWriter::execute(const kivscsi::ScsiCommand& command, kivscsi::ScsiR
 
     const uint8_t op = received.cdb[0];
     Reply reply;
-    if (const auto planted = state_.faults.hit(op, sectorsOf(received.cdb))) {
+    if (state_.config.unitAttentionOnMediumChange && !passesUnitAttentionBy(op) &&
+        state_.tray.takeMediumChange(received.nowMs)) {
+        reply = mediumChangeAttention(received);
+    } else if (const auto planted = state_.faults.hit(op, sectorsOf(received.cdb))) {
         reply = failure(*planted);
     } else if (handlers_[op] != nullptr) {
         reply = handlers_[op](state_, received);

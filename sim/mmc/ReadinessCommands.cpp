@@ -12,10 +12,21 @@ Reply testUnitReady(WriterState& state, const Command& command) {
     return failure(mediumReadiness(state, command.nowMs));
 }
 
+// A background format does not keep the drive from working: it shows only here, as NO SENSE
+// with FORMAT IN PROGRESS and its progress.
+Sense backgroundActivity(const WriterState& state, uint64_t nowMs) {
+    const Disc* disc = state.tray.readyDisc(nowMs);
+    const auto progress = disc ? disc->backgroundFormatProgress(nowMs) : std::nullopt;
+    if (!progress) return {};
+    return Sense{key::kNoSense, code::kFormatInProgress, progress};
+}
+
 // Reports the drive's present condition (not ready, with progress while formatting or
-// blanking) as sense data with GOOD status.
+// blanking, or a background format's progress) as sense data with GOOD status.
 Reply requestSense(WriterState& state, const Command& command) {
-    const auto data = fixedSenseData(mediumReadiness(state, command.nowMs));
+    Sense condition = mediumReadiness(state, command.nowMs);
+    if (condition.good()) condition = backgroundActivity(state, command.nowMs);
+    const auto data = fixedSenseData(condition);
     return answer({data.begin(), data.end()}, command.cdb[4]);
 }
 

@@ -44,12 +44,10 @@ Reply formatUnit(WriterState& state, const Command& command) {
     const uint8_t formatType = list[8] >> 2;
 
     uint32_t seconds = 0;
-    bool background = false;
-    const Sense formatted =
-        state.tray.disc()->format(formatType, command.nowMs, seconds, background);
+    const Sense formatted = state.tray.disc()->format(formatType, command.nowMs, seconds);
     if (!formatted.good()) return failure(formatted);
     state.cache.clear();
-    if (background || seconds == 0) return {};
+    if (seconds == 0) return {};
     return startOperation(state, OperationKind::Format, command.nowMs, seconds, immediate);
 }
 

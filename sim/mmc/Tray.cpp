@@ -27,13 +27,23 @@ void Tray::closeTray(uint64_t nowMs, uint32_t spinUpMs) {
     open_ = false;
     if (disc_) {
         readyAtMs_ = nowMs + spinUpMs;
+        mediumChanged_ = true;
         raise(MediaEvent::NewMedia);
     }
 }
 
-void Tray::takeDisc() { disc_.reset(); }
+void Tray::takeDisc() {
+    disc_.reset();
+    mediumChanged_ = false;
+}
 
 void Tray::delayReady(uint64_t untilMs) { readyAtMs_ = std::max(readyAtMs_, untilMs); }
+
+bool Tray::takeMediumChange(uint64_t nowMs) {
+    if (!mediumChanged_ || !readiness(nowMs).good()) return false;
+    mediumChanged_ = false;
+    return true;
+}
 
 MediaEvent Tray::takeEvent() {
     const MediaEvent event = pendingEvent_;

@@ -52,17 +52,6 @@ TEST_F(WriterTest, AnImmediateFormatReportsProgressUntilItEnds) {
     EXPECT_EQ(discInformation().discStatus, 2);
 }
 
-TEST_F(WriterTest, AFormatWithoutImmedReturnsWhenTheFormatIsDone) {
-    DiscModel disc = sim::mmc::discOf(MediaKind::BdRe);
-    disc.formatSeconds = kFormatSeconds;
-    loadReady(disc);
-    const uint64_t before = clock.elapsedMilliseconds();
-    ASSERT_EQ(format(path, 0x30, false), 0u);
-    EXPECT_EQ(clock.elapsedMilliseconds() - before, kFormatSeconds * 1000);
-    EXPECT_EQ(testUnitReady(), 0u);
-    EXPECT_EQ(write(0, 1, 1), 0u);
-}
-
 TEST_F(WriterTest, ABlankOnAWorkerKeepsTheDriveBusyForItsTime) {
     DiscModel disc = sim::mmc::discOf(MediaKind::CdRw);
     disc.minimalBlankSeconds = 30;
@@ -118,26 +107,55 @@ TEST_F(WriterTest, BlankAndFormatAcceptOnlyWhatTheDiscAllows) {
     }
 }
 
-TEST_F(WriterTest, DvdPlusRwFormatsInTheBackgroundUntilDoneOrStopped) {
-    DiscModel disc = sim::mmc::discOf(MediaKind::DvdPlusRw);
-    disc.backgroundFormatSeconds = 600;
-    loadReady(disc);
-    EXPECT_EQ(discInformation().backgroundFormatStatus, 0);
-    ASSERT_EQ(format(path, 0x26, false), 0u);
-    EXPECT_EQ(testUnitReady(), 0u);
-    EXPECT_EQ(discInformation().backgroundFormatStatus, 2);
-    EXPECT_EQ(discInformation().discStatus, 2);
-    EXPECT_EQ(write(0, 1, 1), 0u);  // writable while it formats
+// DVD+RW formats in the background from the start, BD-RE after its foreground part: the disc
+// is usable meanwhile, the disc information tells the state, REQUEST SENSE the progress.
+TEST_F(WriterTest, RewritableDiscsGoOnFormattingInTheBackground) {
+    const struct {
+        MediaKind kind;
+        uint8_t formatType;
+        uint32_t foregroundSeconds;
+    } kinds[] = {{MediaKind::DvdPlusRw, 0x26, 0}, {MediaKind::BdRe, 0x30, 40}};
+    const struct {
+        uint64_t atMs;  // since the background part started
+        uint8_t backgroundStatus;
+        uint32_t sense;
+        uint16_t progress;
+    } timeline[] = {
+        {0, 2, 0x000404, 0},
+        {25'000, 2, 0x000404, 0x4000},
+        {99'999, 2, 0x000404, 0xFFFF},
+        {100'000, 3, 0, 0},
+    };
+    for (const auto& kind : kinds) {
+        SCOPED_TRACE(sim::mmc::traitsOf(kind.kind).name);
+        DiscModel disc = sim::mmc::discOf(kind.kind);
+        disc.formatSeconds = kind.foregroundSeconds;
+        disc.backgroundFormatSeconds = 100;
+        loadReady(disc);
+        EXPECT_EQ(discInformation().backgroundFormatStatus, 0);
+        const uint64_t sent = clock.elapsedMilliseconds();
+        ASSERT_EQ(format(path, kind.formatType, false), 0u);
+        const uint64_t start = clock.elapsedMilliseconds();
+        EXPECT_EQ(start - sent, kind.foregroundSeconds * 1000);
+        for (const auto& row : timeline) {
+            SCOPED_TRACE(row.atMs);
+            clock.advance(start + row.atMs - clock.elapsedMilliseconds());
+            EXPECT_EQ(testUnitReady(), 0u);
+            EXPECT_EQ(discInformation().backgroundFormatStatus, row.backgroundStatus);
+            const Bytes sense = requestSense();
+            EXPECT_EQ(uint32_t{sense[2]} << 16 | uint32_t{sense[12]} << 8 | sense[13], row.sense);
+            EXPECT_NEAR(progressOf(sense), row.progress, 1);
+        }
 
-    clock.advance(599'999);
-    EXPECT_EQ(discInformation().backgroundFormatStatus, 2);
-    clock.advance(1);
-    EXPECT_EQ(discInformation().backgroundFormatStatus, 3);
-
-    ASSERT_EQ(format(path, 0x26, false), 0u);
-    clock.advance(10'000);
-    EXPECT_EQ(kivscsi::CloseTrackSession(path, kDevice, 0, 0, false), 0u);
-    EXPECT_EQ(discInformation().backgroundFormatStatus, 1);
+        ASSERT_EQ(format(path, kind.formatType, false), 0u);
+        clock.advance(10'000);
+        EXPECT_EQ(write(0, 1, 1), 0u);
+        EXPECT_EQ(format(path, kind.formatType, false), 0x2C00u) << "out of sequence";
+        EXPECT_EQ(kivscsi::CloseTrackSession(path, kDevice, 0, 0, false), 0u);
+        clock.advance(200'000);
+        EXPECT_EQ(discInformation().backgroundFormatStatus, 1) << "a stopped format stays so";
+        EXPECT_EQ(progressOf(requestSense()), 0);
+    }
 }
 
 TEST_F(WriterTest, StoppingABackgroundFormatIsRefusedWhereThereIsNone) {

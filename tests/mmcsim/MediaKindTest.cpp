@@ -64,12 +64,35 @@ TEST_F(WriterTest, EveryKindReportsItsProfileStatusAndErasableFlag) {
     }
 }
 
-TEST_F(WriterTest, WithoutAReadyDiscTheCurrentProfileIsZero) {
-    EXPECT_EQ(currentProfile(), 0);
-    writer->insertDisc(discOf(MediaKind::BdR));
-    EXPECT_EQ(currentProfile(), 0);  // still spinning up
-    clock.advance(kSpinUpMs);
-    EXPECT_EQ(currentProfile(), 0x0041);
+// The current profile and the Real Time Streaming feature (0107h, asked for alone as the
+// optical drive does) are current only while a disc is ready.
+TEST_F(WriterTest, ProfileAndStreamingFeatureFollowTheReadyDisc) {
+    const struct {
+        const char* step;
+        bool insert;
+        uint32_t advanceMs;
+        uint16_t profile;
+        bool streamingCurrent;
+    } rows[] = {
+        {"empty", false, 0, 0, false},
+        {"spinning up", true, 0, 0, false},
+        {"ready", false, kSpinUpMs, 0x0041, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.step);
+        if (row.insert) writer->insertDisc(discOf(MediaKind::BdR));
+        clock.advance(row.advanceMs);
+        EXPECT_EQ(currentProfile(), row.profile);
+        Bytes answer(16, 0xEE);
+        uint32_t received = 0;
+        ASSERT_EQ(kivscsi::GetConfiguration(path, kDevice, 2, 0x0107, answer.data(), 16, &received),
+                  0u);
+        ASSERT_EQ(received, 16u);
+        const auto feature = kivscsi::findFeature(answer.data(), received, 0x0107);
+        ASSERT_TRUE(feature.has_value());
+        EXPECT_EQ(feature->current, row.streamingCurrent);
+        EXPECT_EQ(answer[12], sim::mmc::WriterConfig{}.realTimeStreamingFlags);
+    }
 }
 
 struct IdRow {

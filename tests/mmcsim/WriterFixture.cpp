@@ -4,8 +4,9 @@
 
 namespace mmctest {
 
-WriterTest::WriterTest() {
-    sim::mmc::WriterConfig config;
+WriterTest::WriterTest() : WriterTest(sim::mmc::WriterConfig{}) {}
+
+WriterTest::WriterTest(sim::mmc::WriterConfig config) {
     config.spinUpMilliseconds = kSpinUpMs;
     writer = sim::mmc::registerEmulatedWriter(kDevice, config);
 }
@@ -76,6 +77,11 @@ Bytes WriterTest::requestSense() {
     command.timeoutMs = 1000;
     EXPECT_EQ(kivscsi::statusFromResponse(opened.transport->send(command)), 0u);
     return data;
+}
+
+uint32_t WriterTest::requestSenseCode() {
+    const Bytes sense = requestSense();
+    return uint32_t{sense[2] & 0x0Fu} << 16 | uint32_t{sense[12]} << 8 | sense[13];
 }
 
 uint16_t WriterTest::currentWriteSpeed() {

@@ -26,6 +26,11 @@ public:
     WriterTest();
     ~WriterTest() override;
 
+protected:
+    // A writer of `config`, whose spin-up time the fixture sets to kSpinUpMs.
+    explicit WriterTest(sim::mmc::WriterConfig config);
+
+public:
     // Inserts `disc` and lets it spin up.
     void loadReady(const DiscModel& disc);
     // A formatted (or, for write-once kinds, blank) disc of `kind`, ready.
@@ -40,6 +45,8 @@ public:
     Status synchronizeCache();
     // REQUEST SENSE through the transport: the fixed sense data the drive returns.
     Bytes requestSense();
+    // The sense key, ASC and ASCQ of requestSense() as 0xKKAAQQ.
+    uint32_t requestSenseCode();
     // The current write speed from the capabilities page; 0 when absent.
     uint16_t currentWriteSpeed();
     // MODE SELECT of the write parameters page with `byte2` and `byte3` set.

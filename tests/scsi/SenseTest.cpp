@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "scsi/Sense.h"
+#include "scsi/SgIoStatus.h"
 
 namespace {
 
@@ -53,7 +54,10 @@ TEST(SenseTest, StatusFromSenseData) {
         {"descriptor 3 bytes", {0x72, 0x05, 0x21}, kivscsi::kStatusNoSense},
         {"recovered error without a code is success", fixedSense(0x70, 0x01, 0x00, 0x00),
          kivscsi::kStatusGood},
-        {"recovered error with a code keeps it", descriptorSense(0x72, 0x01, 0x17, 0x01), 0x1701},
+        {"recovered error with a code is success", descriptorSense(0x72, 0x01, 0x17, 0x01),
+         kivscsi::kStatusGood},
+        {"fixed recovered error with a code is success", fixedSense(0x70, 0x01, 0x5D, 0x00),
+         kivscsi::kStatusGood},
         {"medium error without a code", fixedSense(0x70, 0x03, 0x00, 0x00),
          kivscsi::kStatusSenseWithoutCode},
         {"no sense key without a code", descriptorSense(0x72, 0x00, 0x00, 0x00),
@@ -140,6 +144,28 @@ TEST(SenseTest, TransportFailureRanges) {
         SCOPED_TRACE(c.status);
         EXPECT_EQ(kivscsi::isTransportFailure(c.status), c.transport);
         EXPECT_EQ(kivscsi::isDeviceGone(c.status), c.gone);
+    }
+}
+
+TEST(SenseTest, SgIoHostAndDriverBytes) {
+    struct Case {
+        uint32_t host;
+        uint32_t driver;
+        Status expected;
+    };
+    const Case cases[] = {
+        {0x00, 0x00, kivscsi::kStatusGood},
+        {0x00, 0x08, kivscsi::kStatusGood},  // DRIVER_SENSE: the sense data tells
+        {0x03, 0x00, kivscsi::kStatusTimedOut},
+        {0x00, 0x06, kivscsi::kStatusTimedOut},
+        {0x00, 0x26, kivscsi::kStatusTimedOut},  // suggestion bits above the status
+        {0x01, 0x00, kivscsi::kStatusDeviceGone},
+        {0x04, 0x00, kivscsi::kStatusDeviceGone},
+        {0x07, 0x00, kivscsi::kStatusAdapterError},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.host * 0x100 + c.driver);
+        EXPECT_EQ(kivscsi::statusFromSgIoHost(c.host, c.driver), c.expected);
     }
 }
 

@@ -10,6 +10,7 @@
 #include "scsi/TracingTransport.h"
 #include "support/RecordingTarget.h"
 #include "support/ScopedVirtualClock.h"
+#include "support/TempFile.h"
 
 namespace {
 
@@ -25,6 +26,9 @@ protected:
 
 TEST_F(TransportTest, DeviceNamesThatReachNoTarget) {
     os::registerEmulatedDevice("sim:plain", std::make_shared<PlainEmulatedDevice>());
+    const testsupport::TempDirectory directory("scsi-not-a-device");
+    const std::string directoryName = directory.path().string();
+    const testsupport::TempFile plainFile("scsi-plain-file", "data");
     struct Case {
         const char* name;
         const char* deviceName;
@@ -35,6 +39,8 @@ TEST_F(TransportTest, DeviceNamesThatReachNoTarget) {
         {"empty name", "", kivscsi::kStatusBadDeviceName},
         {"emulated but not SCSI", "sim:plain", kivscsi::kStatusNotScsiDevice},
         {"nothing of that name", "sim:no-such-device", kivscsi::kStatusNoSuchDevice},
+        {"a directory", directoryName.c_str(), kivscsi::kStatusNotScsiDevice},
+        {"a plain file", plainFile.text().c_str(), kivscsi::kStatusNotScsiDevice},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);

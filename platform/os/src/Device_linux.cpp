@@ -36,6 +36,9 @@ OpenResult openPath(const std::string& path, uint32_t access) {
     if ((access & kExclusive) != 0) {
         flags |= O_EXCL;  // without O_CREAT: an exclusive claim on a block device
     }
+    if ((access & kNoMediumNeeded) != 0) {
+        flags |= O_NONBLOCK;
+    }
     const int fd = ::open(path.c_str(), flags);
     if (fd < 0) {
         return OpenResult{{}, lastError("open " + path)};
@@ -58,7 +61,10 @@ OpenResult nativeReopenExclusive(NativeHandle handle) {
     if (flags < 0) {
         return OpenResult{{}, lastError("reopen")};
     }
-    const uint32_t access = (flags & O_ACCMODE) == O_RDONLY ? kRead : kReadWrite;
+    uint32_t access = (flags & O_ACCMODE) == O_RDONLY ? kRead : kReadWrite;
+    if ((flags & O_NONBLOCK) != 0) {
+        access |= kNoMediumNeeded;
+    }
     return openPath("/proc/self/fd/" + std::to_string(handle), access | kExclusive);
 }
 

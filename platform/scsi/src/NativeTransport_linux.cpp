@@ -8,52 +8,11 @@
 #include <cerrno>
 
 #include "NativeTransport.h"
+#include "PassThroughErrors.h"
+#include "scsi/SgIoStatus.h"
 
 namespace kivscsi {
 namespace {
-
-// Values of sg_io_hdr.host_status and driver_status the kernel reports.
-constexpr unsigned kHostNoConnect = 0x01;
-constexpr unsigned kHostTimeOut = 0x03;
-constexpr unsigned kHostBadTarget = 0x04;
-constexpr unsigned kDriverTimeout = 0x06;
-constexpr unsigned kDriverStatusMask = 0x0F;
-
-Status statusForOpenError(int error) {
-    switch (error) {
-        case ENOENT:
-        case ENXIO:
-        case ENODEV:
-            return kStatusNoSuchDevice;
-        case EACCES:
-        case EPERM:
-        case EBUSY:
-        case EROFS:
-            return kStatusAccessDenied;
-        default:
-            return kStatusTransportError;
-    }
-}
-
-Status statusForIoctlError(int error) {
-    switch (error) {
-        case ENODEV:
-        case ENXIO:
-            return kStatusDeviceGone;
-        case ETIMEDOUT:
-            return kStatusTimedOut;
-        case ENOTTY:
-        case EINVAL:
-            return kStatusNotScsiDevice;
-        case ENOMEM:
-            return kStatusInvalidRequest;
-        case EACCES:
-        case EPERM:
-            return kStatusAccessDenied;
-        default:
-            return kStatusTransportError;
-    }
-}
 
 int sgDirection(DataDirection direction) {
     switch (direction) {
@@ -92,22 +51,12 @@ private:
         io.timeout = command.timeoutMs;
 
         if (::ioctl(fd_, SG_IO, &io) < 0) {
-            response.transportStatus = statusForIoctlError(errno);
+            response.transportStatus =
+                detail::statusForPassThroughError(static_cast<uint32_t>(errno));
             return;
         }
-        if (io.host_status == kHostTimeOut ||
-            (io.driver_status & kDriverStatusMask) == kDriverTimeout) {
-            response.transportStatus = kStatusTimedOut;
-            return;
-        }
-        if (io.host_status == kHostNoConnect || io.host_status == kHostBadTarget) {
-            response.transportStatus = kStatusDeviceGone;
-            return;
-        }
-        if (io.host_status != 0) {
-            response.transportStatus = kStatusAdapterError;
-            return;
-        }
+        response.transportStatus = statusFromSgIoHost(io.host_status, io.driver_status);
+        if (response.transportStatus != kStatusGood) return;
         response.scsiStatus = io.status;
         response.senseLength = io.sb_len_wr;
         response.residual = hasData ? static_cast<uint32_t>(io.resid) : 0;
@@ -130,7 +79,7 @@ OpenResult openNativeTransport(const std::string& deviceName) {
     if (fd < 0 && (errno == EACCES || errno == EROFS)) {
         fd = ::open(deviceName.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     }
-    if (fd < 0) return {nullptr, statusForOpenError(errno)};
+    if (fd < 0) return {nullptr, detail::statusForOpenError(static_cast<uint32_t>(errno))};
     if (!answersSgIo(fd)) {
         ::close(fd);
         return {nullptr, kStatusNotScsiDevice};

@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "NativeTransport.h"
+#include "PassThroughErrors.h"
 #include "PassThroughLimits.h"
 #include "os/DeviceControl.h"
 #include "os/Utf8.h"
@@ -26,47 +27,6 @@ struct PassThroughRequest {
     ULONG alignmentFiller;
     UCHAR sense[kMaxSenseLength];
 };
-
-Status statusForOpenError(DWORD error) {
-    switch (error) {
-        case ERROR_FILE_NOT_FOUND:
-        case ERROR_PATH_NOT_FOUND:
-        case ERROR_INVALID_NAME:
-        case ERROR_DEV_NOT_EXIST:
-            return kStatusNoSuchDevice;
-        case ERROR_ACCESS_DENIED:
-        case ERROR_SHARING_VIOLATION:
-            return kStatusAccessDenied;
-        default:
-            return kStatusTransportError;
-    }
-}
-
-Status statusForIoctlError(DWORD error) {
-    switch (error) {
-        case ERROR_DEVICE_NOT_CONNECTED:
-        case ERROR_DEV_NOT_EXIST:
-        case ERROR_FILE_NOT_FOUND:
-        case ERROR_DEVICE_REMOVED:
-            return kStatusDeviceGone;
-        case ERROR_SEM_TIMEOUT:
-        case ERROR_TIMEOUT:
-            return kStatusTimedOut;
-        case ERROR_INVALID_FUNCTION:
-        case ERROR_NOT_SUPPORTED:
-            return kStatusNotScsiDevice;
-        case ERROR_INVALID_PARAMETER:
-        case ERROR_INVALID_USER_BUFFER:
-        case ERROR_NOT_ENOUGH_MEMORY:
-            return kStatusInvalidRequest;
-        case ERROR_ACCESS_DENIED:
-            return kStatusAccessDenied;
-        case ERROR_BUSY:
-            return kStatusDeviceBusy;
-        default:
-            return kStatusTransportError;
-    }
-}
 
 UCHAR sptdDirection(DataDirection direction) {
     switch (direction) {
@@ -107,14 +67,14 @@ private:
         const bool hasData = command.direction != DataDirection::None && command.bufferLength > 0;
         if (hasData && command.bufferLength > limits_.maxTransferBytes) {
             // The adapter cannot move it in one request, and a command cannot be split here.
-            response.transportStatus = kStatusInvalidRequest;
+            response.transportStatus = kStatusTransferRefused;
             return;
         }
         const size_t alignment = limits_.alignment;
         const bool aligned = reinterpret_cast<uintptr_t>(command.buffer) % alignment == 0;
         AlignedBuffer bounce(hasData && !aligned ? command.bufferLength : 0, alignment);
         if (hasData && !aligned && bounce.data() == nullptr) {
-            response.transportStatus = kStatusInvalidRequest;
+            response.transportStatus = kStatusTransferRefused;
             return;
         }
         void* data = hasData ? (aligned ? command.buffer : bounce.data()) : nullptr;
@@ -138,7 +98,7 @@ private:
             os::controlDevice(handle_, IOCTL_SCSI_PASS_THROUGH_DIRECT, &request, sizeof(request),
                               &request, sizeof(request));
         if (!sent.ok()) {
-            response.transportStatus = statusForIoctlError(sent.error);
+            response.transportStatus = detail::statusForPassThroughError(sent.error);
             return;
         }
         const uint32_t transferred =
@@ -175,14 +135,25 @@ detail::AdapterLimits adapterLimits(HANDLE handle) {
     return detail::defaultAdapterLimits();
 }
 
+// No directory takes a command, but opening one fails as "access denied" (or, under some
+// systems, succeeds): ask the file system first. Names in the device namespace are devices.
+bool isDirectory(const std::wstring& name) {
+    if (name.rfind(L"\\\\.\\", 0) == 0) return false;
+    const DWORD attributes = GetFileAttributesW(name.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
 }  // namespace
 
 OpenResult openNativeTransport(const std::string& deviceName) {
     const std::wstring wideName = os::fromUtf8(deviceName);
+    if (isDirectory(wideName)) return {nullptr, kStatusNotScsiDevice};
     HANDLE handle =
         CreateFileW(wideName.c_str(), GENERIC_READ | GENERIC_WRITE,
                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) return {nullptr, statusForOpenError(GetLastError())};
+    if (handle == INVALID_HANDLE_VALUE) {
+        return {nullptr, detail::statusForOpenError(GetLastError())};
+    }
     return {std::make_unique<PassThroughTransport>(handle, true, adapterLimits(handle)),
             kStatusGood};
 }

@@ -43,9 +43,10 @@ SenseFields decodeSense(const uint8_t* sense, size_t length) {
 Status statusFromSense(const uint8_t* sense, size_t length) {
     const SenseFields fields = decodeSense(sense, length);
     if (!fields.valid) return kStatusNoSense;
+    // The drive recovered by itself and the command completed; the code only says how.
+    if (fields.senseKey == kSenseKeyRecoveredError) return kStatusGood;
     const Status code = (Status{fields.asc} << 8) | fields.ascq;
-    if (code != 0) return code;
-    return fields.senseKey == kSenseKeyRecoveredError ? kStatusGood : kStatusSenseWithoutCode;
+    return code != 0 ? code : kStatusSenseWithoutCode;
 }
 
 Status statusFromResponse(const ScsiResponse& response) {

@@ -1,7 +1,7 @@
 #include "scsi/UnitCommands.h"
 
 #include "Execute.h"
-#include "scsi/ByteOrder.h"
+#include "scsi/Decoders.h"
 
 namespace kivscsi {
 namespace {
@@ -66,11 +66,9 @@ Status ReadCapacity(const _SCSI_PATH& path, const char* deviceName, Capacity* ca
         execute(path, deviceName,
                 CdbBuilder(kReadCapacity10, 10).dataIn(answer, sizeof(answer)).command, &received);
     if (status != kStatusGood) return status;
-    if (received < kCapacityAnswerLength) return kStatusShortAnswer;
-    if (capacity != nullptr) {
-        capacity->lastLba = readBig32(answer);
-        capacity->blockLength = readBig32(answer + 4);
-    }
+    const std::optional<Capacity> decoded = decodeCapacity(answer, received);
+    if (!decoded) return kStatusShortAnswer;
+    if (capacity != nullptr) *capacity = *decoded;
     return kStatusGood;
 }
 

@@ -26,6 +26,10 @@ enum Access : uint32_t {
     // Neither read nor write: enough to ask the device's size and properties (Windows: desired
     // access 0, which needs no administrator rights on a physical drive; elsewhere read-only).
     kQuery = 0x10,
+    // The device is a drive for removable media that must open also while empty (an optical
+    // drive): Linux refuses to open /dev/srN without a disc unless O_NONBLOCK is given; Windows
+    // and emulated devices open such drives as any other.
+    kNoMediumNeeded = 0x20,
 };
 
 // Owns one open native handle and closes it on destruction. Move-only.

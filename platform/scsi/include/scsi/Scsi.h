@@ -9,6 +9,7 @@
 #include "scsi/RecordingCommands.h"
 #include "scsi/ScsiPath.h"
 #include "scsi/Sense.h"
+#include "scsi/SgIoStatus.h"
 #include "scsi/Status.h"
 #include "scsi/Transport.h"
 #include "scsi/UnitCommands.h"

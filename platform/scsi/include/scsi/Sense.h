@@ -29,8 +29,8 @@ inline constexpr uint8_t kSenseKeyRecoveredError = 0x1;
 SCSI_API SenseFields decodeSense(const uint8_t* sense, size_t length);
 
 // The status of a CHECK CONDITION carrying this sense data:
-//   (ASC << 8) | ASCQ when that is not zero; 0 for RECOVERED ERROR without a code (the command
-//   completed); kStatusSenseWithoutCode for any other sense key without a code;
+//   0 for RECOVERED ERROR, whatever its code (the command completed); otherwise
+//   (ASC << 8) | ASCQ when that is not zero, kStatusSenseWithoutCode when it is;
 //   kStatusNoSense when the sense data cannot be decoded.
 SCSI_API Status statusFromSense(const uint8_t* sense, size_t length);
 

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -42,7 +43,11 @@ public:
     uint16_t sessions() const;
     uint16_t firstTrackInLastSession() const;
     uint16_t lastTrackInLastSession() const;
+    // DVD+RW and BD-RE go on formatting in the background after FORMAT UNIT has ended.
+    bool formatsInBackground() const;
     BackgroundFormat backgroundFormat(uint64_t nowMs) const;
+    // Done fraction of a running background format in 1/65536ths; nothing when none runs.
+    std::optional<uint16_t> backgroundFormatProgress(uint64_t nowMs) const;
 
     // Takes `count` sectors at `lba` into the disc's layout (the data follows via storeData).
     // Returns a non-good sense, changing nothing, when the disc cannot take them there.
@@ -60,12 +65,15 @@ public:
     Sense close(uint8_t function, bool multiSession, uint64_t nowMs);
     // BLANK type 0 (whole disc) or 1 (minimal). Returns the seconds it takes, or the sense.
     Sense blank(uint8_t type, uint32_t& seconds);
-    // FORMAT UNIT with a format type; `seconds` the foreground time, `background` set when the
-    // format goes on in the background after the command (DVD+RW).
-    Sense format(uint8_t formatType, uint64_t nowMs, uint32_t& seconds, bool& background);
+    // FORMAT UNIT with a format type; `seconds` the foreground time (0 for DVD+RW, whose
+    // format goes on in the background from the start). A format while a background format
+    // still runs is out of sequence.
+    Sense format(uint8_t formatType, uint64_t nowMs, uint32_t& seconds);
 
 private:
     void eraseAll();
+    // Erases the disc, which is formatted from now on, and starts a background format.
+    void startFormatting(uint64_t backgroundStartMs);
 
     DiscModel model_;
     std::map<uint32_t, std::vector<uint8_t>> sectors_;
@@ -78,9 +86,11 @@ private:
     uint16_t lastSessionFirstTrack_ = 1;
     bool formatted_ = false;            // overwrite mode reached
     bool restrictedOverwrite_ = false;  // DVD-RW formatted for overwriting
-    uint64_t backgroundFormatEndMs_ = 0;
+    // The last background format: it runs from its start to its end unless stopped.
     bool backgroundFormatStarted_ = false;
     bool backgroundFormatStopped_ = false;
+    uint64_t backgroundFormatStartMs_ = 0;
+    uint64_t backgroundFormatEndMs_ = 0;
 };
 
 }  // namespace sim::mmc

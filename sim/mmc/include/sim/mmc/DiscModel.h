@@ -38,7 +38,7 @@ struct DiscModel {
     uint32_t minimalBlankSeconds = 60;
     uint32_t fullBlankSeconds = 600;
     uint32_t formatSeconds = 300;
-    uint32_t backgroundFormatSeconds = 600;  // DVD+RW formatting after FORMAT UNIT returned
+    uint32_t backgroundFormatSeconds = 600;  // DVD+RW, BD-RE: formatting after FORMAT UNIT
 };
 
 // A disc of `kind` with the kind's profile, capacity and IDs, blank when recordable and

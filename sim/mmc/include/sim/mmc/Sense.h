@@ -30,6 +30,7 @@ inline constexpr uint16_t kLbaOutOfRange = 0x2100;
 inline constexpr uint16_t kInvalidAddressForWrite = 0x2102;
 inline constexpr uint16_t kInvalidFieldInCdb = 0x2400;
 inline constexpr uint16_t kInvalidFieldInParameterList = 0x2600;
+inline constexpr uint16_t kNotReadyToReadyChange = 0x2800;
 inline constexpr uint16_t kCommandSequenceError = 0x2C00;
 inline constexpr uint16_t kCannotReadIncompatibleFormat = 0x3002;
 inline constexpr uint16_t kCannotWriteUnknownFormat = 0x3004;

@@ -40,6 +40,10 @@ public:
     // Keeps a loaded disc becoming ready until at least `untilMs`.
     void delayReady(uint64_t untilMs);
 
+    // True once after a disc was loaded and has become ready: the not-ready-to-ready change a
+    // drive reports as a unit attention. Taking it clears it.
+    bool takeMediumChange(uint64_t nowMs);
+
     void raise(MediaEvent event) { pendingEvent_ = event; }
     // The pending event, which is then cleared.
     MediaEvent takeEvent();
@@ -48,6 +52,7 @@ private:
     bool open_ = false;
     bool prevented_ = false;
     uint64_t readyAtMs_ = 0;
+    bool mediumChanged_ = false;
     std::optional<Disc> disc_;
     MediaEvent pendingEvent_ = MediaEvent::None;
 };

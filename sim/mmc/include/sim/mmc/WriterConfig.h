@@ -14,6 +14,10 @@ struct WriterConfig {
     uint32_t cacheSectors = 1024;             // write cache size; at least 1
     // The Real Time Streaming feature's flag byte (SW, WSPD, MP2A, SCS, RBCB).
     uint8_t realTimeStreamingFlags = 0x1F;
+    // After a disc was loaded and became ready, the first command answers UNIT ATTENTION,
+    // NOT READY TO READY CHANGE (6/28/00), as real drives do; INQUIRY, GET CONFIGURATION and
+    // GET EVENT STATUS NOTIFICATION pass it by, REQUEST SENSE returns it. Off unless asked for.
+    bool unitAttentionOnMediumChange = false;
 };
 
 }  // namespace sim::mmc

@@ -1,0 +1,199 @@
+// Readiness, eject, handles and media events of the optical drive.
+#include <functional>
+#include <optional>
+#include <tuple>
+
+#include "OpticalDriveFixture.h"
+#include "libDrive/Exceptions.h"
+#include "sim/mmc/Opcodes.h"
+#include "storage/LookupManager.h"
+
+namespace optest {
+namespace {
+
+namespace op = sim::mmc::opcode;
+
+class ReadinessTest;
+
+struct ReadyCase {
+    const char* name;
+    std::function<void(ReadinessTest&)> setup;
+    unsigned long status;
+    uint64_t minMs;
+    uint64_t maxMs;
+    size_t startStopCommands;
+};
+
+class ReadinessTest : public OpticalDriveTest {
+public:
+    void readyDisc() { loadReady(MediaKind::DvdPlusR); }
+    void spinningUp() { writer->insertDisc(sim::mmc::discOf(MediaKind::DvdPlusR)); }
+    void emptyTrayOpen() { writer->removeDisc(); }
+    void slowDisc() {
+        loadReady(MediaKind::DvdPlusR);
+        writer->keepBecomingReadyFor(5000);
+    }
+    void brokenUnit() {
+        loadReady(MediaKind::DvdPlusR);
+        fail(op::kTestUnitReady, 0x4400);
+        fail(op::kStartStopUnit, 0x4400);
+    }
+    void capacityUnreadable() {
+        loadReady(MediaKind::DvdPlusR);
+        fail(op::kReadCapacity, 0x4400);
+    }
+};
+
+TEST_F(ReadinessTest, WaitsAsLongAsTheDriveDeservesAndStartsItOnlyWhenItIsNotSpinningUp) {
+    const ReadyCase cases[] = {
+        {"ready disc", &ReadinessTest::readyDisc, 0, 0, 999, 0},
+        // No disc: given up once 3 s have passed, not after 75 s; one START on the way.
+        {"closed empty tray", [](OpticalDriveTest&) {}, 0x3A01, 3001, 5000, 1},
+        {"open tray", &ReadinessTest::emptyTrayOpen, 0x3A02, 3001, 5000, 1},
+        // A drive already becoming ready is never sent START.
+        {"spinning up", &ReadinessTest::spinningUp, 0, 2000, 3000, 0},
+        {"becoming ready for 5 s", &ReadinessTest::slowDisc, 0, 5000, 6999, 0},
+        {"unit never ready", &ReadinessTest::brokenUnit, 0x4400, 75000, 76000, 1},
+        {"capacity never readable", &ReadinessTest::capacityUnreadable, 0x4400, 75001, 77000, 0},
+    };
+    for (const ReadyCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        writer->clearFaults();
+        writer->removeDisc();
+        writer->pressEjectButton();  // closes the tray again
+        c.setup(*this);
+        writer->clearHistory();
+        const uint64_t start = elapsedMs();
+        EXPECT_EQ(drive->makeSureUnitIsReady(), c.status);
+        EXPECT_GE(elapsedMs() - start, c.minMs);
+        EXPECT_LE(elapsedMs() - start, c.maxMs);
+        EXPECT_EQ(commands(op::kStartStopUnit).size(), c.startStopCommands);
+    }
+}
+
+TEST_F(ReadinessTest, AStopRequestEndsEitherWait) {
+    const std::function<void(ReadinessTest&)> setups[] = {
+        [](OpticalDriveTest&) {},  // no disc: stopped while waiting for one
+        &ReadinessTest::capacityUnreadable,
+    };
+    for (const auto& setup : setups) {
+        writer->clearFaults();
+        setup(*this);
+        host.stopAfterPolls(0);
+        try {
+            drive->makeSureUnitIsReady();
+            ADD_FAILURE() << "no abort";
+        } catch (const kivrlibdrive::UserAborted& aborted) {
+            EXPECT_EQ(aborted.getMessage().toUtf8(), "Test Cancelled by the user");
+        }
+        EXPECT_EQ(host.stopPolls(), 1u);
+        host.neverStop();
+        host.clear();
+    }
+}
+
+struct EjectCase {
+    const char* name;
+    std::function<void(OpticalDriveTest&)> setup;
+    std::optional<unsigned int> error;  // the EjectError's status, if one is thrown
+    size_t ejectCommands;
+    uint64_t elapsedMs;
+};
+
+TEST_F(ReadinessTest, EjectTriesFiveTimesAndFailsOnlyWhenTheTrayStaysShut) {
+    const EjectCase cases[] = {
+        {"disc ejects", [](OpticalDriveTest& t) { t.loadReady(MediaKind::CdR); }, std::nullopt, 1,
+         4000},
+        {"removal prevented",
+         [](OpticalDriveTest& t) {
+             t.loadReady(MediaKind::CdR);
+             t.drive->lockTray();
+         },
+         0x5302, 5, 10000},
+        {"drive gone", [](OpticalDriveTest& t) { t.writer->disappear(); }, 0xAB10, 5, 10000},
+    };
+    for (const EjectCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        writer->clearFaults();
+        drive->unlockTray();
+        writer->pressEjectButton();
+        c.setup(*this);
+        writer->clearHistory();
+        const uint64_t start = elapsedMs();
+        std::optional<unsigned int> error;
+        try {
+            drive->ejectDisc();
+        } catch (const kivrlibdrive::EjectError& failure) {
+            error = failure.getStatus();
+        }
+        EXPECT_EQ(error, c.error);
+        size_t ejects = 0;
+        for (const auto& cdb : commands(op::kStartStopUnit)) ejects += (cdb[4] & 0x03) == 0x02;
+        EXPECT_EQ(ejects, c.ejectCommands);
+        EXPECT_EQ(elapsedMs() - start, c.elapsedMs);
+        if (!c.error) {
+            EXPECT_TRUE(writer->snapshot().trayOpen);
+        }
+    }
+}
+
+TEST_F(ReadinessTest, ExclusiveAccessKeepsTheHandleEnteredUntilReleasedOrDestroyed) {
+    loadReady(MediaKind::CdR);
+    drive->getExclusiveDriveAccess();
+    EXPECT_TRUE(libStorage::LookupManager::contains(kDevice));
+    EXPECT_EQ(logged(2), (std::vector<std::string>{"954 Got Exclusive Access to the drive"}));
+    drive->releaseExclusiveAccess();
+    EXPECT_FALSE(libStorage::LookupManager::contains(kDevice));
+    EXPECT_EQ(drive->getHandle(), reinterpret_cast<void*>(~uintptr_t{0}));
+
+    drive->getExclusiveDriveAccess();
+    drive->lockTray();
+    EXPECT_TRUE(writer->snapshot().removalPrevented);
+    drive.reset();
+    EXPECT_FALSE(writer->snapshot().removalPrevented);
+    EXPECT_FALSE(libStorage::LookupManager::contains(kDevice));
+    EXPECT_TRUE(host.events().empty());
+}
+
+TEST_F(ReadinessTest, AnUnopenableDeviceRaisesInvalidDriveHandle) {
+    quel5::DiagDevice missing(QuelString(L"\\\\.\\NoSuchOpticalDrive"));
+    kivrlibdrive::WindowsOpticalDrive nowhere(missing);
+    try {
+        nowhere.getExclusiveDriveAccess();
+        ADD_FAILURE() << "no exception";
+    } catch (const kivrlibdrive::InvalidHandle& failure) {
+        EXPECT_EQ(failure.getMessage().toUtf8(), "Invalid Handle : Failed to get the drive handle");
+    }
+    const auto events = host.events();
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(events[0].key, "INVALID_DRIVE_HANDLE");
+    EXPECT_EQ(events[0].severity, quel5::Severity::WARNING);
+    EXPECT_EQ(events[0].source, kSource);
+    EXPECT_EQ(events[0].line, 947);
+}
+
+TEST_F(ReadinessTest, MediaEventsTellDiscAndTray) {
+    using Setup = std::function<void(ReadinessTest&)>;
+    // Setup, answered, then the two out arguments (left true when not answered).
+    const std::tuple<Setup, bool, bool, bool> cases[] = {
+        {&ReadinessTest::readyDisc, true, true, true},
+        {&ReadinessTest::emptyTrayOpen, true, false, false},
+        {[](ReadinessTest&) {}, true, false, true},  // closed and empty
+        {[](ReadinessTest& t) { t.fail(op::kGetEventStatusNotification, 0x2400); }, false, true,
+         true},
+    };
+    for (const auto& [setup, answered, present, closed] : cases) {
+        writer->removeDisc();
+        writer->pressEjectButton();
+        setup(*this);
+        bool isPresent = true;
+        bool isClosed = true;
+        EXPECT_EQ(drive->isMediaPresentGESN(isPresent), answered);
+        EXPECT_EQ(drive->isTrayClosedOrNoTrayGESN(isClosed), answered);
+        EXPECT_EQ(isPresent, present);
+        EXPECT_EQ(isClosed, closed);
+    }
+}
+
+}  // namespace
+}  // namespace optest
