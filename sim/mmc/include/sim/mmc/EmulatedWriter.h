@@ -8,6 +8,11 @@
 //     auto writer = sim::mmc::registerEmulatedWriter(sim::mmc::kDefaultWriterName);
 //     writer->insertDisc(sim::mmc::discOf(sim::mmc::MediaKind::DvdPlusR));
 //
+// A disc becomes ready WriterConfig::spinUpMilliseconds after the tray closed on it (or later,
+// keepBecomingReadyFor), answering 2/04/01 until then; with unitAttentionOnMediumChange the
+// first command after that answers 6/28/00 once. DVD+RW and BD-RE go on formatting in the
+// background after FORMAT UNIT: the disc information gives the state, REQUEST SENSE the progress.
+//
 // Time: every delay (spin-up, blank, format, data transfer at the selected speed) passes on
 // the one clock (os::clock()). A command that takes time sleeps on it without holding the
 // writer's lock, so a worker thread's TEST UNIT READY sees the operation in progress.
