@@ -194,8 +194,10 @@ int runTest(const CommandLine& line, const Console& console) {
     if (const std::string refusal = lockRefusalOf(*opened.opened.drive); !refusal.empty())
         console.err << "drivediag: the device was not locked: " << refusal << "\n";
     if (journal) journal->finish(console, line.json);
-    if (const auto* recording = dynamic_cast<const RecordsOperations*>(opened.opened.drive.get()))
+    if (const auto* recording = dynamic_cast<const RecordsOperations*>(opened.opened.drive.get())) {
         summary.operations = recording->operations();
+        summary.readTimes = recording->readTimes();
+    }
     summary.compareErrors = host->compareErrors();
     summary.percentReached = host->percentReached();
     summary.result = result.name();

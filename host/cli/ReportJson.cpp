@@ -26,6 +26,19 @@ std::string tallyJson(const OperationRecord::Tally& tally) {
         .str();
 }
 
+std::string readTimesJson(const ReadTimes& times) {
+    static const char* const names[] = {"",           "under3ms",   "under10ms", "under50ms",
+                                        "under150ms", "under500ms", "over500ms", "failed"};
+    JsonObject histogram;
+    for (std::size_t i = 1; i < kTimeClasses; ++i) histogram.number(names[i], times.histogram()[i]);
+    std::string slowest = "[";
+    for (const TimedRead& read : times.slowest()) {
+        if (slowest.size() > 1) slowest += ",";
+        slowest += JsonObject().number("sector", read.sector).number("ms", read.ms).str();
+    }
+    return JsonObject().raw("histogram", histogram.str()).raw("slowest", slowest + "]").str();
+}
+
 JsonObject rangeFields(JsonObject object, const TestedRange& range) {
     object.number("first", range.first)
         .number("end", range.end)
@@ -72,6 +85,8 @@ std::string summaryJson(const RunSummary& summary) {
     } else {
         object.raw("reads", "null").raw("writes", "null");
     }
+    object.raw("readTimes",
+               summary.readTimes != nullptr ? readTimesJson(*summary.readTimes) : "null");
     return object.number("compareErrors", summary.compareErrors)
         .number("elapsedMs", summary.elapsedMs)
         .decimal("bytesPerSecond", summary.bytesPerSecond())

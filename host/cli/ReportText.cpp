@@ -33,6 +33,25 @@ std::string tallyText(const OperationRecord::Tally& tally) {
     return text;
 }
 
+// "under 3 ms: 1998, 3-10 ms: 0, ..., failed: 5".
+std::string histogramText(const ReadTimes& times) {
+    static const char* const names[] = {"",          "under 3 ms", "3-10 ms",     "10-50 ms",
+                                        "50-150 ms", "150-500 ms", "over 500 ms", "failed"};
+    std::string text;
+    for (std::size_t i = 1; i < kTimeClasses; ++i)
+        text += (i > 1 ? ", " : "") + std::string(names[i]) + ": " +
+                std::to_string(times.histogram()[i]);
+    return text;
+}
+
+std::string slowestText(const ReadTimes& times) {
+    std::string text;
+    for (const TimedRead& read : times.slowest())
+        text += (text.empty() ? "" : ", ") + std::string("sector ") + std::to_string(read.sector) +
+                " (" + std::to_string(read.ms) + " ms)";
+    return text;
+}
+
 std::string rateText(double bytesPerSecond) {
     return binarySizeText(static_cast<uint64_t>(bytesPerSecond)) + "/s";
 }
@@ -84,6 +103,11 @@ std::vector<std::string> summaryLines(const RunSummary& summary) {
     if (summary.operations) {
         lines.push_back(field("Reads", tallyText(summary.operations->reads())));
         lines.push_back(field("Writes", tallyText(summary.operations->writes())));
+    }
+    if (summary.readTimes != nullptr) {
+        lines.push_back(field("Read times", histogramText(*summary.readTimes)));
+        if (!summary.readTimes->slowest().empty())
+            lines.push_back(field("Slowest reads", slowestText(*summary.readTimes)));
     }
     lines.push_back(field("Compare errors", std::to_string(summary.compareErrors)));
     std::string time = formatDuration(static_cast<unsigned int>(summary.elapsedMs / 1000));

@@ -8,6 +8,7 @@
 
 #include "cli/TestTable.h"
 #include "drives/OperationRecord.h"
+#include "drives/ReadTimes.h"
 #include "libDrive/Drive.h"
 
 namespace host {
@@ -30,6 +31,7 @@ struct RunSummary {
     std::string test;
     std::optional<TestedRange> range;           // the last range the test settled on
     std::optional<OperationRecord> operations;  // unset when the drive keeps no record
+    const ReadTimes* readTimes = nullptr;       // the drive's; null when it read nothing
     uint64_t compareErrors = 0;                 // miscompares the test raised events for
     uint64_t elapsedMs = 0;
     uint32_t sectorBytes = 0;

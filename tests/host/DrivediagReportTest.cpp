@@ -125,6 +125,33 @@ TEST_F(DrivediagReportTest, APassWithFailedReadsSaysSo) {
               "drive is not free of errors.");
 }
 
+// 2048 reads at 1 ms, ten of them 40 ms slower, five failing: the histogram and the slowest
+// reads on the one clock, exactly.
+TEST_F(DrivediagReportTest, ReadTimesAreCountedPerClassAndTheSlowestNamed) {
+    const Args device = {"--device", "sim:1MiB,bad=1000+5,slow=1500+10:40,cost=1",
+                         "--set",    "NumberOfSeeks=2048",
+                         "--set",    "MaxErrors=100"};
+    Args text = {"run", "linear-seek"};
+    text.insert(text.end(), device.begin(), device.end());
+    const RunOutput run = runDrivediag(text);
+    EXPECT_EQ(field(run, "  Read times:"),
+              "under 3 ms: 2033, 3-10 ms: 0, 10-50 ms: 10, 50-150 ms: 0, 150-500 ms: 0, over 500 "
+              "ms: 0, failed: 5");
+    std::string slowest;
+    for (int sector = 1500; sector < 1510; ++sector)
+        slowest += (slowest.empty() ? "" : ", ") + std::string("sector ") + std::to_string(sector) +
+                   " (41 ms)";
+    EXPECT_EQ(field(run, "  Slowest reads:"), slowest);
+
+    text.push_back("--json");
+    const std::string summary = runDrivediag(text).lineWith({"\"type\":\"summary\""});
+    EXPECT_NE(summary.find("\"readTimes\":{\"histogram\":{\"under3ms\":2033,\"under10ms\":0,"
+                           "\"under50ms\":10,\"under150ms\":0,\"under500ms\":0,\"over500ms\":0,"
+                           "\"failed\":5},\"slowest\":[{\"sector\":1500,\"ms\":41},"),
+              std::string::npos)
+        << summary;
+}
+
 TEST_F(DrivediagReportTest, JsonLinesCarryTheSchemaAndTheReportIsOneObjectEach) {
     const RunOutput run =
         runDrivediag({"run", "linear-seek", "--json", "--device", "sim:1MiB,bad=0+1000,cost=5",

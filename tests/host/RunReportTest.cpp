@@ -52,6 +52,41 @@ TEST(SectorRunsTest, ARecordCountsEveryTransferAndKeepsOnlyFailedSectors) {
               "1000-1004, 2000 and 1 more run");
 }
 
+TEST(ReadTimesTest, ReadsFallInTheirClassAndBlocksKeepTheirSlowest) {
+    using host::TimeClass;
+    const struct {
+        uint64_t ms;
+        bool failed;
+        TimeClass expected;
+    } classes[] = {
+        {0, false, TimeClass::Under3ms},    {2, false, TimeClass::Under3ms},
+        {3, false, TimeClass::Under10ms},   {49, false, TimeClass::Under50ms},
+        {50, false, TimeClass::Under150ms}, {499, false, TimeClass::Under500ms},
+        {500, false, TimeClass::Over500ms}, {1, true, TimeClass::Failed},
+    };
+    for (const auto& c : classes) EXPECT_EQ(host::timeClassOf(c.ms, c.failed), c.expected) << c.ms;
+
+    host::ReadTimes times(100);  // one sector a block
+    times.add(10, 4, 60, false);
+    times.add(12, 1, 1, false);    // a faster read does not lower a block
+    times.add(13, 2, 0, true);     // a failure raises it
+    times.add(99, 5, 700, false);  // cut at the last sector
+    EXPECT_EQ(times.blockClass(9), TimeClass::Unread);
+    EXPECT_EQ(times.blockClass(10), TimeClass::Under150ms);
+    EXPECT_EQ(times.blockClass(12), TimeClass::Under150ms);
+    EXPECT_EQ(times.blockClass(13), TimeClass::Failed);
+    EXPECT_EQ(times.blockClass(14), TimeClass::Failed);
+    EXPECT_EQ(times.blockClass(15), TimeClass::Unread);
+    EXPECT_EQ(times.blockClass(99), TimeClass::Over500ms);
+    EXPECT_EQ(times.slowest(), (std::vector<host::TimedRead>{{99, 700}, {10, 60}, {12, 1}}));
+    EXPECT_EQ(times.histogram()[static_cast<std::size_t>(TimeClass::Failed)], 1u);
+
+    // A 16 TiB drive of 512-byte sectors: blocks of 4096 sectors, 4 MiB of classes.
+    const host::ReadTimes huge(uint64_t{1} << 35);
+    EXPECT_EQ(huge.sectorsPerBlock(), 4096u);
+    EXPECT_EQ(huge.blockCount(), host::ReadTimes::kMaxBlocks);
+}
+
 // Times are milliseconds after the pass started.
 TEST(ProgressTrackerTest, TimeLeftAndThePercentageShown) {
     const struct {
