@@ -209,10 +209,9 @@ private:
 
     bool map(const std::string& text) {
         const std::size_t equals = text.find('=');
-        if (equals == std::string::npos || equals == 0) {
-            fail("--map " + text + ": expected LETTER=DIRECTORY");
-            return false;
-        }
+        // A drive letter and a folder map the checksum test's medium; anything else names the
+        // file of a surface map.
+        if (equals != 1) return fileOption(line_.surfaceMapFile, "--map", text);
         line_.maps.emplace_back(text.substr(0, equals), text.substr(equals + 1));
         return true;
     }
@@ -280,7 +279,7 @@ const char* kRunUsage =
     "usage: drivediag run TEST [--device DEV] [--set KEY=VALUE]... [--json]\n"
     "                          [--log FILE] [--log-level N] [--yes | --no]\n"
     "                          [--destructive [--undo FILE]]\n"
-    "                          [--bad-blocks FILE] [--metrics FILE]\n"
+    "                          [--bad-blocks FILE] [--metrics FILE] [--map FILE]\n"
     "\n"
     "  --device DEV       the drive to test (default: a built-in simulated drive):\n"
     "                       a block device (/dev/sdb, /dev/loop0, \\\\.\\PhysicalDrive1),\n"
@@ -301,6 +300,8 @@ const char* kRunUsage =
     "                       line as badblocks -o does (empty when none failed)\n"
     "  --metrics FILE     write the run's summary to FILE as Prometheus metrics, for\n"
     "                       node_exporter's textfile collector\n"
+    "  --map FILE         draw the tested range to FILE as an SVG map: blocks in rows,\n"
+    "                       coloured by how long their reads took, failed ones black\n"
     "  --destructive      allow the tests that write to the drive (pattern, cache); they\n"
     "                       write the data back, and with PreserveData=true first save\n"
     "                       what they overwrite in an undo journal, so that even after a\n"

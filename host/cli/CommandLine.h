@@ -22,10 +22,11 @@ struct CommandLine {
     std::vector<std::pair<std::string, std::string>> sets;  // --set KEY=VALUE, in order
     bool json = false;
     std::optional<std::string> logFile;
-    std::optional<std::string> undoFile;       // --undo FILE: the destructive run's undo journal
-    std::optional<std::string> badBlocksFile;  // --bad-blocks FILE: failed sectors, as badblocks
-    std::optional<std::string> metricsFile;    // --metrics FILE: the summary for Prometheus
-    std::optional<int> logLevel;               // 1..5
+    std::optional<std::string> undoFile;        // --undo FILE: the destructive run's undo journal
+    std::optional<std::string> badBlocksFile;   // --bad-blocks FILE: failed sectors, as badblocks
+    std::optional<std::string> metricsFile;     // --metrics FILE: the summary for Prometheus
+    std::optional<std::string> surfaceMapFile;  // --map FILE: an SVG map of the surface
+    std::optional<int> logLevel;                // 1..5
     PromptAnswer answer = PromptAnswer::Cancel;
     bool destructive = false;  // --destructive: tests that write may run
     std::vector<std::pair<std::string, std::string>> maps;  // --map LETTER=DIRECTORY, in order

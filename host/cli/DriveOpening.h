@@ -10,9 +10,11 @@
 namespace host {
 
 // The simulated drive used when no --device is given: 1 GiB of 512-byte sectors with a small bad
-// area, a worn last quarter and 3 ms per read, so that a plain run of a test shows its progress
-// for a few seconds of real time and then stops at its error limit with the event saying so.
-inline constexpr const char* kBuiltInDevice = "sim:1GiB,bad=500000+3000,bad=1600000+497152,cost=3";
+// area, a worn last quarter whose reads are slow (40 ms more) before they fail, and 3 ms per
+// read, so that a plain run of a test shows its progress for a few seconds of real time and then
+// stops at its error limit with the event saying so.
+inline constexpr const char* kBuiltInDevice =
+    "sim:1GiB,bad=500000+3000,slow=1572864+524288:40,bad=1600000+497152,cost=3";
 
 // A drive and the device description it was built from. The device is declared first so that
 // it outlives the drive, which refers to it.

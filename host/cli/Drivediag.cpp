@@ -18,6 +18,7 @@
 #include "cli/RunReport.h"
 #include "cli/SizeText.h"
 #include "cli/StopRequest.h"
+#include "cli/SurfaceMap.h"
 #include "cli/TestTable.h"
 #include "cli/UndoLocation.h"
 #include "cli/UndoRestore.h"
@@ -70,8 +71,19 @@ bool startJournal(const CommandLine& line, const TestDefinition& test, kivrlibdr
     return *journal != nullptr;
 }
 
-// The --bad-blocks and --metrics files of a finished run. False when one could not be written
-// (said on standard error).
+// The map of the range the test settled on (the whole drive when it never did).
+bool writeSurfaceMap(const std::string& path, const DeviceHeader& header, const RunSummary& summary,
+                     std::string* error) {
+    const ReadTimes unread(header.totalSectors);
+    const ReadTimes& times = summary.readTimes != nullptr ? *summary.readTimes : unread;
+    const uint64_t first = summary.range ? summary.range->first : 0;
+    const uint64_t end = summary.range ? summary.range->end : header.totalSectors;
+    return writeReportFile(
+        path, surfaceMapSvg(SurfaceMap(times, first, end), times, header, summary), error);
+}
+
+// The --bad-blocks, --metrics and --map files of a finished run. False when one could not be
+// written (said on standard error).
 bool writeReportFiles(const CommandLine& line, const DeviceHeader& header,
                       const RunSummary& summary, const Console& console) {
     std::string error;
@@ -81,7 +93,11 @@ bool writeReportFiles(const CommandLine& line, const DeviceHeader& header,
         written = false;
     }
     if (line.metricsFile &&
-        !writeMetricsFile(*line.metricsFile, metricsText(header, summary), &error)) {
+        !writeReportFile(*line.metricsFile, metricsText(header, summary), &error)) {
+        console.err << "drivediag: " << error << "\n";
+        written = false;
+    }
+    if (line.surfaceMapFile && !writeSurfaceMap(*line.surfaceMapFile, header, summary, &error)) {
         console.err << "drivediag: " << error << "\n";
         written = false;
     }
@@ -122,8 +138,12 @@ int runTest(const CommandLine& line, const Console& console) {
         medium = takeMediumSettings(sets, line.maps, line.answer == PromptAnswer::Yes, &error);
         if (!medium) return usageError(console, error);
     } else if (!line.maps.empty()) {
-        return usageError(console, "--map belongs to the checksum test");
+        return usageError(console, "--map LETTER=DIRECTORY belongs to the checksum test");
     }
+    if (test->onMedium && line.surfaceMapFile)
+        return usageError(console,
+                          "--map FILE draws the sectors a test reads; the checksum test "
+                          "reads files");
     ParameterValues parameters;
     if (!applyParameters(*test, sets, &parameters, &error)) return usageError(console, error);
     if (!test->onMedium) {

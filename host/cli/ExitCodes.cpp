@@ -41,7 +41,8 @@ constexpr ExitCodeRow kTable[] = {
     {kExitNoDevice, "the device could not be opened"},
     {kExitSoftware, "the test ended with an unexpected exception"},
     {kExitReadOnly, "the device is read-only: a test that writes to it was not started"},
-    {kExitReportFile, "the test ran, but its --bad-blocks or --metrics file could not be written"},
+    {kExitReportFile,
+     "the test ran, but its --bad-blocks, --metrics or --map file could not be written"},
     {kExitRestoreFailed, "restore: some sectors could not be written back or read back different"},
 };
 

@@ -12,7 +12,7 @@ inline constexpr int kExitUsage = 64;        // bad command line, test, paramete
 inline constexpr int kExitUndoJournal = 65;  // an undo journal in the way, unreadable or unfitting
 inline constexpr int kExitNoDevice = 66;     // the device could not be opened
 inline constexpr int kExitSoftware = 70;     // the test ended with an exception
-inline constexpr int kExitReportFile = 73;   // --bad-blocks or --metrics could not be written
+inline constexpr int kExitReportFile = 73;  // --bad-blocks, --metrics or --map could not be written
 inline constexpr int kExitRestoreFailed = 74;  // restore: data not put back or read back different
 inline constexpr int kExitReadOnly = 77;       // a destructive test on a device that refuses writes
 

@@ -127,7 +127,7 @@ std::string metricsText(const DeviceHeader& header, const RunSummary& summary) {
     return metrics.text();
 }
 
-bool writeMetricsFile(const std::string& path, const std::string& text, std::string* error) {
+bool writeReportFile(const std::string& path, const std::string& text, std::string* error) {
     return replaceFile(path, error, [&](std::ofstream& out) { out << text; });
 }
 

@@ -1,7 +1,7 @@
 // The run's summary in the files other tools read: a bad-blocks list as badblocks writes it
-// (-o), and Prometheus text exposition for node_exporter's textfile collector. Both are
-// written to a temporary file beside the target and renamed over it, so a reader never sees
-// half a file.
+// (-o), Prometheus text exposition for node_exporter's textfile collector, a map of the
+// surface. All are written to a temporary file beside the target and renamed over it, so a reader
+// never sees half a file.
 #pragma once
 
 #include <string>
@@ -16,6 +16,8 @@ bool writeBadBlocksFile(const std::string& path, const RunSummary& summary, std:
 
 // The summary as metrics labelled by device and test.
 std::string metricsText(const DeviceHeader& header, const RunSummary& summary);
-bool writeMetricsFile(const std::string& path, const std::string& text, std::string* error);
+
+// Writes `text` to `path` (replacing it whole). False with a reason in *error.
+bool writeReportFile(const std::string& path, const std::string& text, std::string* error);
 
 }  // namespace host

@@ -152,6 +152,29 @@ TEST_F(DrivediagReportTest, ReadTimesAreCountedPerClassAndTheSlowestNamed) {
         << summary;
 }
 
+// 2048 one-sector cells of 8 pixels in rows of 100 from (190, 70): the bad span is black, the
+// slow one has the 10-50 ms colour.
+TEST_F(DrivediagReportTest, TheSurfaceMapColoursEachBlockByItsSlowestRead) {
+    const testsupport::TempFile map("map", "");
+    const RunOutput run = runDrivediag(
+        {"run", "linear-seek", "--device", "sim:1MiB,bad=1000+5,slow=1500+10:40,cost=1", "--set",
+         "NumberOfSeeks=2048", "--set", "MaxErrors=100", "--map", map.text()});
+    EXPECT_EQ(run.exitCode, 1) << run.err;
+    const std::string svg = map.contents();
+    for (const std::string& cells :
+         {// row 10: sectors 1000-1004 failed, 1005-1099 fast
+          std::string("<rect x=\"190\" y=\"150\" width=\"40\" height=\"8\" fill=\"#000000\"/>"),
+          std::string("<rect x=\"230\" y=\"150\" width=\"760\" height=\"8\" fill=\"#1a9850\"/>"),
+          // row 15: sectors 1500-1509 slow
+          std::string("<rect x=\"190\" y=\"190\" width=\"80\" height=\"8\" fill=\"#d9ef8b\"/>"),
+          // the last row holds sectors 2000-2047
+          std::string("<rect x=\"190\" y=\"230\" width=\"384\" height=\"8\" fill=\"#1a9850\"/>"),
+          std::string(">sector 1000 (0.00 GB)</text>"), std::string(">failed: 5</text>"),
+          std::string(">10-50 ms: 10</text>"), std::string("Result: FAIL (exit code 1)")}) {
+        EXPECT_NE(svg.find(cells), std::string::npos) << cells;
+    }
+}
+
 TEST_F(DrivediagReportTest, JsonLinesCarryTheSchemaAndTheReportIsOneObjectEach) {
     const RunOutput run =
         runDrivediag({"run", "linear-seek", "--json", "--device", "sim:1MiB,bad=0+1000,cost=5",

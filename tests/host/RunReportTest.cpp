@@ -185,7 +185,7 @@ TEST(ReportFilesTest, BadBlocksListEveryFailedSectorOnceAndMetricsLabelTheRun) {
     }
 
     const std::string unwritable = badBlocks.text() + "/in-a-file";
-    EXPECT_FALSE(host::writeMetricsFile(unwritable, metrics, &error));
+    EXPECT_FALSE(host::writeReportFile(unwritable, metrics, &error));
     EXPECT_NE(error.find(unwritable), std::string::npos) << error;
 }
 
