@@ -12,6 +12,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kiv/Log.h"
@@ -78,6 +79,7 @@ public:
     bool isMediaCopyProtected() override { return false; }
     MediaType getCurrentMediaType() override { return mediaType; }
     unsigned long long getTotalSectorsOnMedia() const override { return capacity; }
+    unsigned long getBytesPerSector() const override { return 2048; }
     kiv::String getDiscID() override { return act("getDiscID"), discId; }
     kiv::String getDiscManufacturerID() override { return act("getDiscManufacturerID"), makerId; }
     kiv::String getBLUERAYDiscID() override { return act("getBLUERAYDiscID"), discId; }
@@ -169,6 +171,13 @@ public:
     template <typename E>
     void fail(const std::string& operation, const E& e) {
         drive.faults[operation] = [e] { throw e; };
+    }
+    // Makes the next call of `operation` throw `e`.
+    template <typename E>
+    void failOnce(const std::string& operation, const E& e) {
+        drive.faults[operation] = [e, thrown = false]() mutable {
+            if (!std::exchange(thrown, true)) throw e;
+        };
     }
 
     testsupport::ScopedVirtualClock clock;

@@ -1,0 +1,221 @@
+// The write and verify passes: stop requests, every write and read error code, the error limit
+// carried from writing to verifying, the re-read from the disc after a cached mismatch, the
+// usage marker written to sector 0, and speeds.
+#include <functional>
+
+#include "ScriptedOptical.h"
+#include "libDrive/Exceptions.h"
+
+namespace rwtest {
+namespace {
+
+using R = quel5::TestResult;
+using Calls = std::vector<std::string>;
+
+const std::string kCrcWriting =
+    "The Test has failed because of 0x0803: LOGICAL UNIT COMMUNICATION CRC ERROR (ULTRA-DMA/32) "
+    "while writing to sector ";
+const std::string kCrcReading =
+    "The Test has failed because of 0x0803: LOGICAL UNIT COMMUNICATION CRC ERROR (ULTRA-DMA/32) "
+    "while reading from sector ";
+
+class PassesTest : public ReadWriteFixture {};
+
+TEST_F(PassesTest, EachWayAPassEndsGivesItsResultEventAndLog) {
+    const auto writeFails = [&](uint64_t sector, unsigned int code) {
+        return
+            [this, sector, code] { failOnce("writeSectors", WriteFailedException(sector, code)); };
+    };
+    const auto readFails = [&](uint64_t sector, unsigned int code) {
+        return [this, sector, code] { fail("readSectors", ReadFailedException(sector, code)); };
+    };
+    // Plain reads of sector 1 come from a stale cache; `fromDisc` says whether the disc is right.
+    const auto staleCache = [&](bool fromDisc) {
+        return [this, fromDisc] {
+            drive.readHook = [fromDisc](unsigned int lba, bool plain, unsigned char* data) {
+                if (lba == 1 && (plain || !fromDisc)) data[7] ^= 0xFF;
+            };
+        };
+    };
+    const struct {
+        const char* name;
+        std::function<void()> setup;
+        unsigned int maxErrors;
+        R result;
+        Calls events;
+        std::string line;  // logged at priority 4
+        Calls tail;        // the last drive calls
+    } cases[] = {
+        {"stop while writing",
+         [&] { host.stopAfterPolls(1); },
+         0,
+         R::USERABORTED,
+         {},
+         "",
+         {"writeSectors(0)", "flushCache", "closeTrack(0)", "unlockTray",
+          "releaseExclusiveAccess"}},
+        {"stop while verifying",
+         [&] { host.stopAfterPolls(4); },
+         0,
+         R::USERABORTED,
+         {},
+         "",
+         {"flushCache", "closeTrack(0)", "closeTrack(0)", "unlockTray", "releaseExclusiveAccess"}},
+        {"CRC error at sector 0",
+         writeFails(0, 0x0803),
+         0,
+         R::FAIL,
+         {"COMMUNICATION_CRC_ERROR"},
+         "1372 " + kCrcWriting,
+         {"writeSectors(0)", "unlockTray", "releaseExclusiveAccess"}},
+        {"CRC error at sector 10",
+         writeFails(10, 0x0803),
+         0,
+         R::FAIL,
+         {"COMMUNICATION_CRC_ERROR"},
+         "1372 " + kCrcWriting.substr(10),
+         {}},
+        {"CRC error past the text",
+         writeFails(kCrcWriting.size(), 0x0803),
+         0,
+         R::FAIL,
+         {"COMMUNICATION_CRC_ERROR"},
+         "1372 ",
+         {}},
+        {"long write",
+         writeFails(2, 0x0408),
+         0,
+         R::TIMEDOUT,
+         {"LONG_WRITE_IN_PROGRESS_ERROR"},
+         "1385 The test never recovered from the LONG WRITE IN PROGRESS.",
+         {"writeSectors(0)", "releaseExclusiveAccess"}},
+        {"medium not readable",
+         writeFails(0, 0x5700),
+         0,
+         R::INCORRECTMEDIA,
+         {"INCORRECT_MEDIA_INSERTED"},
+         "1360 ",
+         {"writeSectors(0)", "releaseExclusiveAccess", "unlockTray", "ejectDisc"}},
+        {"write error",
+         writeFails(3, 0x0C00),
+         0,
+         R::FAIL,
+         {"DRIVE_SCSI_WRITE_FAILURE"},
+         "804 Failed to write to sector 3: 3072",
+         {"writeSectors(0)", "flushCache", "unlockTray", "releaseExclusiveAccess"}},
+        // The write error counts on into the verify pass, whose mismatch is the second error.
+        {"write error within the limit",
+         writeFails(3, 0x0C00),
+         1,
+         R::FAIL,
+         {"DRIVE_SCSI_WRITE_FAILURE", "DATA_COMPARE_FAILED"},
+         "1372 Data Comparison Failed",
+         {}},
+        {"CRC error reading",
+         readFails(0, 0x0803),
+         0,
+         R::FAIL,
+         {"COMMUNICATION_CRC_ERROR"},
+         "1372 " + kCrcReading,
+         {"readSectors(0)", "unlockTray", "releaseExclusiveAccess"}},
+        {"read error",
+         readFails(1, 0x1100),
+         0,
+         R::FAIL,
+         {"RW_TEST_READ_ERROR"},
+         "939 Failed to read from sector 1: 4352",
+         {}},
+        {"read errors within the limit",
+         readFails(1, 0x1100),
+         4,
+         R::PASS,
+         Calls(4, "RW_TEST_READ_ERROR"),
+         "939 Failed to read from sector 1: 4352",
+         {}},
+        {"stale cache",
+         staleCache(true),
+         0,
+         R::PASS,
+         {},
+         "951 Data in the cache did not match the write buffer at sector 1",
+         {"readSectors(0)", "readSectors(1)", "readSectorsFUA(1)", "readSectors(2)",
+          "readSectors(3)", "unlockTray"}},
+        {"wrong data",
+         staleCache(false),
+         0,
+         R::FAIL,
+         {"DATA_COMPARE_FAILED"},
+         "1372 Data Comparison Failed",
+         {}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        drive.calls.clear();
+        drive.faults.clear();
+        drive.disc.clear();
+        drive.readHook = nullptr;
+        host.clear();
+        host.neverStop();
+        c.setup();
+        OpenTest test(drive, parameters, strings);
+        test.maxErrors = c.maxErrors;
+        EXPECT_EQ(test.Run(), c.result);
+        EXPECT_EQ(host.eventKeys(), c.events);
+        EXPECT_TRUE(c.line.empty() || wasLogged(4, c.line)) << c.line;
+        ASSERT_GE(drive.calls.size(), c.tail.size());
+        EXPECT_EQ(Calls(drive.calls.end() - static_cast<long>(c.tail.size()), drive.calls.end()),
+                  c.tail);
+    }
+    const auto compared = host.eventsWithKey("DATA_COMPARE_FAILED");
+    ASSERT_EQ(compared.size(), 1u);
+    EXPECT_EQ(compared[0].get(L"TestSector").valueUint64(), 1u);
+    EXPECT_EQ(compared[0].source, "libDrive/ReadWriteTest");
+    EXPECT_EQ(compared[0].line, 955);
+}
+
+TEST_F(PassesTest, TheUsageMarkerGoesToSectorZeroOnly) {
+    const struct {
+        bool limit;
+        std::vector<unsigned char> sector0;  // as found on the disc
+        std::vector<unsigned char> written;  // first bytes written to sector 0
+    } cases[] = {
+        {true, {0x01, 0xFF, 0x01, 0xFF, 0xBD, 0xBD}, {0x02, 0x00, 0x02, 0x00, 0xBD, 0xBD}},
+        {true, {0xBD, 0xBD, 0xBD, 0xBD, 0xBD, 0xBD}, {0x00, 0x01, 0x00, 0x01, 0xBD, 0xBD}},
+        {false, {0x00, 0x05, 0x00, 0x05, 0xBD, 0xBD}, {0xBD, 0xBD, 0xBD, 0xBD, 0xBD, 0xBD}},
+    };
+    for (const auto& c : cases) {
+        drive.disc.clear();
+        drive.disc[0] = c.sector0;
+        drive.disc[0].resize(2048, 0xBD);
+        drive.empty = false;
+        parameters.limitUsage = c.limit;
+        parameters.sectors = 2;
+        OpenTest test(drive, parameters, strings);
+        EXPECT_EQ(test.Run(), R::PASS);
+        EXPECT_EQ(std::vector<unsigned char>(drive.disc[0].begin(), drive.disc[0].begin() + 6),
+                  c.written);
+        EXPECT_EQ(drive.disc[1], std::vector<unsigned char>(2048, 0xBD));
+    }
+}
+
+TEST_F(PassesTest, SpeedsAreShownShiftedAndTheMaximumNotAtAll) {
+    drive.speeds = {0xFFFF, 1764};
+    fail("setSpeed", FailedSettingDriveSpeed(1764, 1411));
+    OpenTest test(drive, parameters, strings);
+    EXPECT_EQ(test.Run(), R::PASS);
+    const auto shown = host.progressReports();
+    std::vector<std::string> speeds;
+    for (const auto& report : shown) {
+        if (report.key == "RUNNING_AT_SPEED") speeds.push_back(report.text);
+    }
+    EXPECT_EQ(speeds, (Calls{"RUNNING_AT_SPEED{WriteSpeedIndex=1940,WriteSpeed=10}"}));
+    EXPECT_EQ(host.eventKeys(), (Calls{"ERROR_SPEED_NOT_REACHED", "ERROR_SPEED_NOT_REACHED"}));
+
+    fail("setSpeed", TestFailedException(0x2400u));
+    OpenTest refused(drive, parameters, strings);
+    EXPECT_EQ(refused.Run(), R::FAIL);
+    EXPECT_EQ(host.eventKeys().back(), "ERROR_SETTING_SPEED");
+}
+
+}  // namespace
+}  // namespace rwtest
