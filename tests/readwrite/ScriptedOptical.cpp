@@ -7,19 +7,17 @@
 
 namespace rwtest {
 
-void ScriptedDrive::act(const std::string& name, long long argument) {
-    calls.push_back(argument < 0 ? name : name + "(" + std::to_string(argument) + ")");
+void ScriptedDrive::act(const std::string& name, const std::string& arguments) {
+    calls.push_back(arguments.empty() ? name : name + "(" + arguments + ")");
     if (const auto fault = faults.find(name); fault != faults.end()) fault->second();
 }
 
 void ScriptedDrive::blankDisc(unsigned int s, unsigned int from, unsigned int to) {
-    act("blankDisc(" + std::to_string(s) + "," + std::to_string(from) + "," + std::to_string(to) +
-        ")");
+    act("blankDisc", std::to_string(s) + "," + std::to_string(from) + "," + std::to_string(to));
 }
 
 void ScriptedDrive::formatDisc(unsigned int s, unsigned int from, unsigned int to) {
-    act("formatDisc(" + std::to_string(s) + "," + std::to_string(from) + "," + std::to_string(to) +
-        ")");
+    act("formatDisc", std::to_string(s) + "," + std::to_string(from) + "," + std::to_string(to));
 }
 
 kiv::Array<unsigned int> ScriptedDrive::getSupportedWriteSpeeds() {
@@ -34,7 +32,7 @@ unsigned int ScriptedDrive::getNextWritableAddress() {
 
 void ScriptedDrive::writeSectors(const unsigned int& lba, const unsigned short& count,
                                  const void* buffer, const unsigned long& bytes) {
-    act("writeSectors", lba);
+    act("writeSectors", std::to_string(lba));
     const auto* data = static_cast<const unsigned char*>(buffer);
     const std::size_t perSector = bytes / count;
     for (unsigned int i = 0; i < count; ++i) {
@@ -44,7 +42,7 @@ void ScriptedDrive::writeSectors(const unsigned int& lba, const unsigned short& 
 
 void ScriptedDrive::readSectors(const unsigned int& lba, unsigned short count, void* buffer,
                                 unsigned long bytes, bool plainRead) {
-    act(plainRead ? "readSectors" : "readSectorsFUA", lba);
+    act(plainRead ? "readSectors" : "readSectorsFUA", std::to_string(lba));
     auto* data = static_cast<unsigned char*>(buffer);
     std::memset(data, 0, bytes);
     const std::size_t perSector = bytes / count;

@@ -57,10 +57,8 @@ public:
     void closeSession() override { act("closeSession"); }
     void stopBackGroundFormatting() override { act("stopBackGroundFormatting"); }
     void getDriveGeometry() override { act("getDriveGeometry"); }
-    void setSpeed(unsigned int speed) override { act("setSpeed", speed); }
-    void closeTrack(unsigned long long track) override {
-        act("closeTrack", static_cast<long long>(track));
-    }
+    void setSpeed(unsigned int speed) override { act("setSpeed", std::to_string(speed)); }
+    void closeTrack(unsigned long long track) override { act("closeTrack", std::to_string(track)); }
     void blankDisc(unsigned int s, unsigned int from, unsigned int to) override;
     void formatDisc(unsigned int s, unsigned int from, unsigned int to) override;
     kiv::Array<unsigned int> getSupportedWriteSpeeds() override;
@@ -98,8 +96,8 @@ public:
     bool BdreDisc() override { return mediaIs.count("BdreDisc") != 0; }
     bool RWDisc() override { return mediaIs.count("RWDisc") != 0; }
 
-    // Records `name` (with its argument) and runs its fault.
-    void act(const std::string& name, long long argument = -1);
+    // Records "name(arguments)" (or the bare name) and runs the fault of `name`.
+    void act(const std::string& name, const std::string& arguments = "");
 };
 
 class ScriptedParameters : public WindowsOpticalDriveParameters {
