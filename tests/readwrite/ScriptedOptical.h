@@ -163,6 +163,10 @@ public:
     std::vector<std::string> logged(int priority) const;
     // True when a line at `priority` is exactly `line`.
     bool wasLogged(int priority, const std::string& line) const;
+    // The last `count` drive calls (all when 0), joined by blanks.
+    std::string lastCalls(std::size_t count = 0) const;
+    // Every event key so far, joined by blanks.
+    std::string eventKeys() const;
     // Drive calls named `name` (any argument).
     std::size_t callCount(const std::string& name) const;
     // Makes `operation` throw `e` on each call.
