@@ -1,6 +1,5 @@
 // The disc side of the read/write test: closing by media kind, erasing after and before the
-// test, qualification in its three modes with its cache, the usage count read from sector 0,
-// and the media check with its prompts.
+// test, qualification in its three modes with its cache, and the media check with its prompts.
 #include <functional>
 
 #include "ScriptedOptical.h"
@@ -142,33 +141,6 @@ TEST_F(MediaTest, ApprovedMediaAreFoundByIdsPatternsOrLeadTimes) {
     OpenTest invalid(drive, parameters, strings);
     EXPECT_THROW(invalid.mediaQualified(), kiv::InternalError);
     EXPECT_TRUE(wasLogged(4, "1154 Disc ID has an invalid regex pattern\n"));
-}
-
-TEST_F(MediaTest, TheUsageCountIsReadFromSectorZero) {
-    const struct {
-        bool empty;
-        std::vector<unsigned char> sector0;
-        bool readFails;
-        unsigned short uses;
-    } cases[] = {
-        {false, {0x00, 0x05, 0x00, 0x05, 0xBD, 0xBD}, false, 5},
-        {false, {0xBD, 0xBD, 0xBD, 0xBD, 0xBD, 0xBD}, false, 0},
-        {false, {0x00, 0x05, 0x00, 0x06, 0xBD, 0xBD}, false, 0},
-        {false, {0x00, 0x05, 0x00, 0x05, 0xBD, 0xBD}, true, 0},
-        {true, {0x00, 0x05, 0x00, 0x05, 0xBD, 0xBD}, false, 0},
-    };
-    for (const auto& c : cases) {
-        drive.calls.clear();
-        drive.faults.clear();
-        drive.empty = c.empty;
-        drive.disc[0] = c.sector0;
-        drive.disc[0].resize(2048, 0xBD);
-        if (c.readFails) fail("readSectors", ReadFailedException(0, 0x1100));
-        OpenTest test(drive, parameters, strings);
-        EXPECT_EQ(test.numberOfTimesMediaUsedForTesting(), c.uses);
-        EXPECT_EQ(callCount("readSectors"), c.empty ? 0u : 1u);
-    }
-    EXPECT_TRUE(wasLogged(4, "1254 CHECKING FOR USAGE LIMIT: Read Failed Exception"));
 }
 
 TEST_F(MediaTest, TheMediaCheckRefusesOrAsksForAnotherDisc) {

@@ -102,29 +102,35 @@ TEST_F(PassesTest, EachWayAPassEndsGivesItsResultEventAndLog) {
     EXPECT_EQ(compared[0].line, 955);
 }
 
-TEST_F(PassesTest, TheUsageMarkerGoesToSectorZeroOnly) {
+// Each row: the first bytes of sector 0 as found, and as written back (the count found + 1).
+TEST_F(PassesTest, TheUsageCountIsReadFromSectorZeroAndWrittenBackRaised) {
+    using Bytes = std::vector<unsigned char>;
+    const Bytes fill(6, 0xBD);
     const struct {
-        bool limit;
-        std::vector<unsigned char> sector0;  // as found on the disc
-        std::vector<unsigned char> written;  // first bytes written to sector 0
+        bool limit, readFails;
+        Bytes found, written;
     } cases[] = {
-        {true, {0x01, 0xFF, 0x01, 0xFF, 0xBD, 0xBD}, {0x02, 0x00, 0x02, 0x00, 0xBD, 0xBD}},
-        {true, {0xBD, 0xBD, 0xBD, 0xBD, 0xBD, 0xBD}, {0x00, 0x01, 0x00, 0x01, 0xBD, 0xBD}},
-        {false, {0x00, 0x05, 0x00, 0x05, 0xBD, 0xBD}, {0xBD, 0xBD, 0xBD, 0xBD, 0xBD, 0xBD}},
+        {true, false, {0x00, 0x05, 0x00, 0x05, 0xBD, 0xBD}, {0x00, 0x06, 0x00, 0x06, 0xBD, 0xBD}},
+        {true, false, {0x01, 0xFF, 0x01, 0xFF, 0xBD, 0xBD}, {0x02, 0x00, 0x02, 0x00, 0xBD, 0xBD}},
+        {true, false, fill, {0x00, 0x01, 0x00, 0x01, 0xBD, 0xBD}},
+        {true, false, {0x00, 0x05, 0x00, 0x06, 0xBD, 0xBD}, {0x00, 0x01, 0x00, 0x01, 0xBD, 0xBD}},
+        {true, true, {0x00, 0x05, 0x00, 0x05, 0xBD, 0xBD}, {0x00, 0x01, 0x00, 0x01, 0xBD, 0xBD}},
+        {false, false, {0x00, 0x05, 0x00, 0x05, 0xBD, 0xBD}, fill},
     };
     for (const auto& c : cases) {
-        drive.disc.clear();
-        drive.disc[0] = c.sector0;
+        drive.disc.clear(), drive.faults.clear();
+        drive.disc[0] = c.found;
         drive.disc[0].resize(2048, 0xBD);
+        if (c.readFails) failOnce("readSectors", ReadFailedException(0, 0x1100));
         drive.empty = false;
         parameters.limitUsage = c.limit;
         parameters.sectors = 2;
         OpenTest test(drive, parameters, strings);
         EXPECT_EQ(test.Run(), R::PASS);
-        EXPECT_EQ(std::vector<unsigned char>(drive.disc[0].begin(), drive.disc[0].begin() + 6),
-                  c.written);
-        EXPECT_EQ(drive.disc[1], std::vector<unsigned char>(2048, 0xBD));
+        EXPECT_EQ(Bytes(drive.disc[0].begin(), drive.disc[0].begin() + 6), c.written);
+        EXPECT_EQ(drive.disc[1], Bytes(2048, 0xBD));
     }
+    EXPECT_TRUE(wasLogged(4, "1254 CHECKING FOR USAGE LIMIT: Read Failed Exception"));
 }
 
 }  // namespace

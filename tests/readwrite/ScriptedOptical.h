@@ -141,15 +141,10 @@ public:
 class OpenTest : public ReadWriteTest {
 public:
     using ReadWriteTest::closeDisc;
-    using ReadWriteTest::endTimingTest;
     using ReadWriteTest::eraseAfterTestComplition;
     using ReadWriteTest::mediaQualified;
-    using ReadWriteTest::numberOfTimesMediaUsedForTesting;
     using ReadWriteTest::ReadWriteTest;
-    using ReadWriteTest::rerunCount;
     using ReadWriteTest::startSector;
-    using ReadWriteTest::startTimingTest;
-    using ReadWriteTest::usageCount;
     unsigned int maxErrors = 0;
     unsigned int GetMaxErrors() override { return maxErrors; }
 };
