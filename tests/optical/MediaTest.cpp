@@ -130,11 +130,11 @@ TEST_F(OpticalDriveTest, DiscInformationPageParsedFromThirtyBytesOn) {
         kivrlibdrive::CDRRDiskInformation info;
         std::memset(&info, 0xEE, sizeof(info));
         drive->parseDiskInfoPage(raw, &info);
-        EXPECT_EQ(info.dataLength, taken ? length : 0);
+        EXPECT_EQ(uint16_t{info.dataLength}, taken ? length : 0);
         EXPECT_EQ(info.flags, taken ? 8 : 0);
-        EXPECT_EQ(info.discIdentification, taken ? 0x0D0E0F10u : 0u);
-        EXPECT_EQ(info.lastSessionLeadInStart, taken ? 0x11121314u : 0u);
-        EXPECT_EQ(info.lastPossibleLeadOutStart, taken ? 0x15161718u : 0u);
+        EXPECT_EQ(uint32_t{info.discIdentification}, taken ? 0x0D0E0F10u : 0u);
+        EXPECT_EQ(uint32_t{info.lastSessionLeadInStart}, taken ? 0x11121314u : 0u);
+        EXPECT_EQ(uint32_t{info.lastPossibleLeadOutStart}, taken ? 0x15161718u : 0u);
         EXPECT_EQ(info.discApplicationCode, byte32);
         EXPECT_EQ(info.numberOfOpcTables, byte33);
     }

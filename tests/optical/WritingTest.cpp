@@ -28,8 +28,8 @@ TEST_F(OpticalDriveTest, WriteParametersPageParsedAndPutBackByteForByte) {
         WriteParametersInfo info;
         std::memset(&info, 0xEE, sizeof(info));
         drive->parseWritePropertiesPage(page, length, &info);
-        EXPECT_EQ(info.packetSize, 0x120u);
-        EXPECT_EQ(info.audioPauseLength, 150u);
+        EXPECT_EQ(uint32_t{info.packetSize}, 0x120u);
+        EXPECT_EQ(uint16_t{info.audioPauseLength}, 150u);
         const auto* bytes = reinterpret_cast<const uint8_t*>(&info);
         EXPECT_EQ(bytes[49], page[49]);
         // Bytes past the length keep what they held.
