@@ -1,5 +1,5 @@
 // The read/write test's driver: the result of every way a run ends, validation, the reruns
-// after a failure and the phase order of a run.
+// after a failure, the phase order of a run and the total time.
 #include <algorithm>
 #include <functional>
 
@@ -158,6 +158,32 @@ TEST_F(DriverTest, OneRunCallsItsPhasesInOrder) {
         EXPECT_EQ(test.Run(), R::PASS);
         EXPECT_EQ(drive.calls, c.expected);
         EXPECT_EQ(host.eventKeys(), c.events);
+    }
+}
+
+TEST_F(DriverTest, TotalTimeBorrowsWithoutCarryingTheSeconds) {
+    // Moves the clock on to the next moment the local time reads hour:minute:second.
+    const auto advanceTo = [&](const uint64_t(&at)[3]) {
+        const os::LocalTime now = os::localTime();
+        const uint64_t day = 86'400'000, target = (at[0] * 3600 + at[1] * 60 + at[2]) * 1000;
+        const uint64_t current =
+            (now.hour * 3600ull + now.minute * 60ull + now.second) * 1000 + now.milliseconds;
+        clock.advance((target + day - current) % day);
+    };
+    const struct {
+        uint64_t from[3], to[3];
+        const char* total;
+    } cases[] = {
+        {{10, 5, 30}, {11, 5, 0}, "1 hours 4294967295 minutes and 30 seconds"},
+        {{23, 0, 0}, {1, 30, 15}, "2 hours 30 minutes and 15 seconds"},
+    };
+    for (const auto& c : cases) {
+        OpenTest test(drive, parameters, strings);
+        advanceTo(c.from);
+        test.startTimingTest();
+        advanceTo(c.to);
+        test.endTimingTest();
+        EXPECT_EQ(logged(2).back(), std::string("1697 Total Test Time : ") + c.total);
     }
 }
 
