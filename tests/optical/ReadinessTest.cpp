@@ -137,6 +137,55 @@ TEST_F(ReadinessTest, EjectTriesFiveTimesAndFailsOnlyWhenTheTrayStaysShut) {
     }
 }
 
+// Loading, starting the drive and OPC send one command each and ignore how it ends; a failure
+// must not escape them.
+TEST_F(ReadinessTest, LoadStartAndOpcSendTheirCommandAndIgnoreItsFailure) {
+    const struct {
+        const char* name;
+        uint8_t opcode;
+        uint8_t startBits;  // START STOP UNIT's LoEj and Start bits; unused for OPC
+        std::function<void(HostDrive&)> call;
+    } cases[] = {
+        {"load", op::kStartStopUnit, 0x03, [](HostDrive& d) { d.loadDisc(); }},
+        {"start", op::kStartStopUnit, 0x01, [](HostDrive& d) { d.startDrive(); }},
+        {"OPC", op::kSendOpcInformation, 0, [](HostDrive& d) { d.doOPC(); }},
+    };
+    for (const bool failing : {false, true}) {
+        for (const auto& c : cases) {
+            SCOPED_TRACE(std::string(c.name) + (failing ? " failing" : ""));
+            writer->clearFaults();
+            loadReady(MediaKind::CdR);
+            if (c.opcode == op::kStartStopUnit) writer->pressEjectButton();
+            if (failing) fail(c.opcode, 0x2000);
+            writer->clearHistory();
+            EXPECT_NO_THROW(c.call(*drive));
+            std::size_t sent = 0;
+            for (const auto& cdb : commands(c.opcode))
+                sent += c.opcode != op::kStartStopUnit || (cdb[4] & 0x03) == c.startBits;
+            EXPECT_EQ(sent, 1u);
+            if (c.startBits == 0x03) {
+                EXPECT_EQ(writer->snapshot().trayOpen, failing);
+            }
+        }
+    }
+}
+
+// A rerun starts from a drive as new: handles closed and released, speeds offered again.
+TEST_F(ReadinessTest, ResetForASecondRunStartsAfresh) {
+    loadReady(MediaKind::CdR);
+    drive->getExclusiveDriveAccess();
+    EXPECT_EQ(drive->getSupportedWriteSpeeds().size(), 1u);
+    EXPECT_EQ(drive->getSupportedWriteSpeeds().size(), 0u) << "offered once per run";
+    drive->resetVariableForSecondRun();
+    EXPECT_FALSE(libStorage::LookupManager::contains(kDevice));
+    EXPECT_EQ(drive->getHandle(), reinterpret_cast<void*>(~uintptr_t{0}));
+    EXPECT_FALSE(drive->readFlag);
+    EXPECT_FALSE(drive->wroteFlag);
+    const kiv::Array<unsigned int> speeds = drive->getSupportedWriteSpeeds();
+    ASSERT_EQ(speeds.size(), 1u);
+    EXPECT_EQ(speeds[0], 0xFFFFu);
+}
+
 TEST_F(ReadinessTest, ExclusiveAccessKeepsTheHandleEnteredUntilReleasedOrDestroyed) {
     loadReady(MediaKind::CdR);
     drive->getExclusiveDriveAccess();
