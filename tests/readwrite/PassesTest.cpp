@@ -103,6 +103,53 @@ TEST_F(PassesTest, EachWayAPassEndsGivesItsResultEventAndLog) {
 }
 
 // Each row: the first bytes of sector 0 as found, and as written back (the count found + 1).
+// A speed is shown 176 above what was asked (the drive's maximum not at all); a speed the drive
+// fell short of is reported and the run goes on; a refused one ends it.
+TEST_F(PassesTest, SpeedChangesAreShownAndFailuresReportedOrFatal) {
+    const struct {
+        const char* name;
+        unsigned int speed;
+        std::function<void()> fault;
+        std::string event;     // "KEY Name=Value ...", or ""
+        std::string progress;  // the progress text, or ""
+        bool throws;
+    } cases[] = {
+        {"a speed", 1000, nullptr, "", "RUNNING_AT_SPEED{WriteSpeedIndex=1176,WriteSpeed=6}",
+         false},
+        {"the maximum", 0xFFFF, nullptr, "", "", false},
+        {"fell short", 1000, [&] { fail("setSpeed", FailedSettingDriveSpeed(1385u, 1108u)); },
+         "ERROR_SPEED_NOT_REACHED RequestedSpeed=1385 ActualSpeed=1108",
+         "RUNNING_AT_SPEED{WriteSpeedIndex=1176,WriteSpeed=6}", false},
+        {"refused", 1000, [&] { fail("setSpeed", TestFailedException(0x2400u)); },
+         "ERROR_SETTING_SPEED ScsiError=2400", "", true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        drive.faults.clear();
+        host.clear();
+        if (c.fault) c.fault();
+        OpenTest test(drive, parameters, strings);
+        test.currentSpeed = 7;
+        bool thrown = false;
+        try {
+            test.setSpeed(c.speed);
+        } catch (const TestFailedException&) {
+            thrown = true;
+        }
+        EXPECT_EQ(thrown, c.throws);
+        EXPECT_EQ(test.currentSpeed, c.throws ? 7u : c.speed);
+        std::string event;
+        for (const auto& raised : host.events()) {
+            event = raised.key;
+            for (const auto& [name, value] : raised.variables)
+                event += " " + name.toUtf8() + "=" + value.toString().toUtf8();
+        }
+        EXPECT_EQ(event, c.event);
+        const auto progress = host.progressReports();
+        EXPECT_EQ(progress.empty() ? "" : progress.back().text, c.progress);
+    }
+}
+
 TEST_F(PassesTest, TheUsageCountIsReadFromSectorZeroAndWrittenBackRaised) {
     using Bytes = std::vector<unsigned char>;
     const Bytes fill(6, 0xBD);

@@ -141,10 +141,12 @@ public:
 class OpenTest : public ReadWriteTest {
 public:
     using ReadWriteTest::closeDisc;
+    using ReadWriteTest::currentSpeed;
     using ReadWriteTest::endTimingTest;
     using ReadWriteTest::eraseAfterTestComplition;
     using ReadWriteTest::mediaQualified;
     using ReadWriteTest::ReadWriteTest;
+    using ReadWriteTest::setSpeed;
     using ReadWriteTest::startSector;
     using ReadWriteTest::startTimingTest;
     unsigned int maxErrors = 0;
