@@ -111,6 +111,27 @@ TEST_F(DriverTest, AFailedRunIsRunAgainWhileRunsAreLeft) {
     }
 }
 
+// The eject between a failed run and its rerun shows its progress and, when the drive cannot
+// eject, says so with the status and ends the run as a busy device.
+TEST_F(DriverTest, AnEjectThatFailsBetweenRunsEndsTheRunAsABusyDevice) {
+    kiv::Resource::clear();
+    kiv::Resource::set(L"libDrive", L"ReRunTestOnFailureCount.value", L"2");
+    fail("getExclusiveDriveAccess", TestFailedException(L"f"));
+    fail("ejectDisc", EjectError(0x5302u));
+    parameters.prompt = true;
+    OpenTest test(drive, parameters, strings);
+    EXPECT_EQ(test.Run(), R::DEVICEBUSY);
+    EXPECT_EQ(lastCalls(2), "unlockTray ejectDisc");
+    const auto ejectFailed = host.eventsWithKey("ERROR_EJECTING_MEDIA");
+    ASSERT_EQ(ejectFailed.size(), 1u);
+    EXPECT_EQ(ejectFailed[0].get(L"ScsiError").toString().toUtf8(), "5302");
+    EXPECT_EQ(callCount("resetVariableForSecondRun"), 0u) << "no rerun without the eject";
+    bool ejecting = false;
+    for (const auto& progress : host.progressReports())
+        ejecting |= progress.key == "EJECTING_MEDIA";
+    EXPECT_TRUE(ejecting);
+}
+
 Calls operator+(Calls a, const Calls& b) {
     a.insert(a.end(), b.begin(), b.end());
     return a;
