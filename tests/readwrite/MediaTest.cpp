@@ -197,6 +197,13 @@ TEST_F(MediaTest, TheMediaCheckRefusesOrAsksForAnotherDisc) {
          [&] { d.empty = false, d.mediaIs = {"CDRWDisc"}, p.blankOnly = p.eraseNonBlank = true; },
          R::PASS,
          {"blankDisc(30,0,40)"}},
+        {"an erase that fails",
+         [&] {
+             d.empty = false, d.mediaIs = {"CDRWDisc"}, p.blankOnly = p.eraseNonBlank = true;
+             d.faults["blankDisc"] = [] { throw TestFailedException(0x2C00u); };
+         },
+         R::FAIL,
+         {"ERROR_ERASING_MEDIA", "blankDisc(30,0,40)"}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
