@@ -7,6 +7,7 @@
 #include "kiv/Exception.h"
 #include "kiv/Resource.h"
 #include "libDrive/Exceptions.h"
+#include "quel5/MessageBox2.h"
 
 namespace rwtest {
 namespace {
@@ -108,6 +109,47 @@ TEST_F(DriverTest, AFailedRunIsRunAgainWhileRunsAreLeft) {
         // Every failed run gives the tray and the drive back before anything else.
         EXPECT_EQ(callCount("releaseExclusiveAccess"),
                   std::min(static_cast<std::size_t>(c.failures), c.runs));
+    }
+}
+
+// Aborting the question whether to run again ends the run as stopped, or as failed when media
+// problems fail runs; a disc that is not approved is said so first, and again on the abort.
+TEST_F(DriverTest, AbortingTheRerunQuestionEndsTheRun) {
+    const struct {
+        const char* name;
+        bool failOnMedia;
+        bool checkQualified;
+        std::vector<int> answers;
+        R result;
+        std::vector<std::string> boxes;
+    } cases[] = {
+        {"stopped", false, false, {quel5::MB2_ABORT}, R::USERABORTED, {"ReRunTestPrompt"}},
+        {"failed", true, false, {quel5::MB2_ABORT}, R::FAIL, {"ReRunTestPrompt"}},
+        {"not approved",
+         false,
+         true,
+         {quel5::MB2_OK, quel5::MB2_ABORT, quel5::MB2_OK},
+         R::USERABORTED,
+         {"MEDIA_NOT_QUALIFIED", "ReRunTestPrompt", "MEDIA_NOT_QUALIFIED"}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        host.clear();
+        drive.calls.clear();
+        kiv::Resource::clear();
+        kiv::Resource::set(L"libDrive", L"ReRunTestOnFailureCount.value", L"2");
+        fail("getExclusiveDriveAccess", TestFailedException(L"f"));
+        parameters.prompt = true;
+        parameters.failOnMedia = c.failOnMedia;
+        parameters.checkQualified = c.checkQualified;
+        host.queueAnswers(c.answers);
+        OpenTest test(drive, parameters, strings);
+        EXPECT_EQ(test.Run(), c.result);
+        std::vector<std::string> boxes;
+        for (const auto& box : host.messageBoxes())
+            boxes.push_back(box.message.substr(0, box.message.find('{')));
+        EXPECT_EQ(boxes, c.boxes);
+        EXPECT_EQ(callCount("resetVariableForSecondRun"), 0u);
     }
 }
 
