@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "cli/ExitCodes.h"
+#include "optical/OpticalOptions.h"
 
 namespace host {
 namespace {
@@ -129,10 +130,12 @@ private:
         const std::optional<std::string> inline_ =
             equals == std::string::npos ? std::nullopt
                                         : std::optional<std::string>(argument.substr(equals + 1));
+        bool opticalTakesValue = false;
+        const bool optical = isOpticalOption(name, &opticalTakesValue);
         const bool takesValue = name == "--device" || name == "--set" || name == "--log" ||
                                 name == "--undo" || name == "--log-level" ||
                                 name == "--bad-blocks" || name == "--metrics" || name == "--map" ||
-                                mediumOptionKey(name) != nullptr;
+                                mediumOptionKey(name) != nullptr || opticalTakesValue;
         if (!takesValue && inline_) {
             fail(name + " takes no value");
             return false;
@@ -146,6 +149,11 @@ private:
         if (name == "--yes") return flag(yes_, name);
         if (name == "--no") return flag(no_, name);
         if (name == "--destructive") return runOnly(name) && flag(line_.destructive, name);
+        if (optical && !opticalTakesValue) {
+            if (!runOnly(name)) return false;
+            line_.opticalOptions.emplace_back(name, "");
+            return true;
+        }
         if (name == "--fail-if-not-found") {
             if (!runOnly(name)) return false;
             line_.sets.emplace_back("FailIfNotFound", "true");
@@ -162,6 +170,10 @@ private:
         if (name == "--device") return device(*text);
         if (name == "--set") return set(*text);
         if (name == "--map") return map(*text);
+        if (optical) {
+            line_.opticalOptions.emplace_back(name, *text);
+            return true;
+        }
         if (const char* key = mediumOptionKey(name)) {
             line_.sets.emplace_back(key, *text);
             return true;
@@ -318,6 +330,10 @@ const char* kRunUsage =
     "  --media-name TEXT, --fail-if-not-found\n"
     "                     (--set ChecksumFile=, FallbackFile=, ExpectedChecksum=,\n"
     "                       MaxMediaPrompts=, MediaName=, FailIfNotFound=); see README\n"
+    "\n";
+
+// After the read-write test's options.
+const char* kRunStopUsage =
     "\n"
     "Ctrl-C, SIGTERM, SIGHUP and SIGQUIT (Windows: Ctrl-C, Ctrl-Break, closing the\n"
     "console, logoff, shutdown) ask the test to stop at its next check; it writes its\n"
@@ -378,6 +394,7 @@ std::optional<CommandLine> parseCommandLine(const std::vector<std::string>& args
 std::string usageText(Command command) {
     std::ostringstream text;
     text << usageOf(command);
+    if (command == Command::Run) text << opticalOptionsUsage() << kRunStopUsage;
     text << "\nExit codes:\n";
     for (const ExitCodeRow& row : exitCodeTable()) {
         text << "  " << (row.code < 10 ? " " : "") << row.code << "  " << row.meaning << "\n";

@@ -31,6 +31,9 @@ struct CommandLine {
     bool destructive = false;  // --destructive: tests that write may run
     std::vector<std::pair<std::string, std::string>> maps;  // --map LETTER=DIRECTORY, in order
     std::vector<std::string> files;  // make-checksum-file: DATA and OUT; restore: the journal
+    // The read-write test's options (optical/OpticalOptions.h): name and value ("" for a flag),
+    // in order, read when the test runs.
+    std::vector<std::pair<std::string, std::string>> opticalOptions;
 };
 
 // The command line of `args` (the arguments after the program name), or nullopt with a reason

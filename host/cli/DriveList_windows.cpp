@@ -1,6 +1,8 @@
 #include <string>
 
 #include "cli/DriveList.h"
+#include "optical/CurrentProfile.h"
+#include "optical/OpticalMedia.h"
 #include "os/Device.h"
 
 namespace host {
@@ -28,6 +30,21 @@ std::vector<DriveInfo> listDrives() {
         drive.path = path;
         drive.sizeBytes = geometry.geometry.totalBytes;
         drive.bytesPerSector = geometry.geometry.bytesPerSector;
+        drives.push_back(std::move(drive));
+    }
+    missing = 0;
+    for (int number = 0; missing < kMaxMissingInARow; ++number) {
+        const std::string path = "\\\\.\\CdRom" + std::to_string(number);
+        if (!os::openDevice(path, os::kQuery).handle.valid()) {
+            ++missing;
+            continue;
+        }
+        missing = 0;
+        DriveInfo drive;
+        drive.path = path;
+        drive.bytesPerSector = 2048;
+        drive.optical = true;
+        drive.medium = profileText(currentProfileOf(path));
         drives.push_back(std::move(drive));
     }
     return drives;

@@ -16,6 +16,7 @@
 #include "cli/ReportFiles.h"
 #include "cli/RunChecks.h"
 #include "cli/RunReport.h"
+#include "cli/RunScope.h"
 #include "cli/SizeText.h"
 #include "cli/StopRequest.h"
 #include "cli/SurfaceMap.h"
@@ -27,6 +28,7 @@
 #include "drives/RecordingDrive.h"
 #include "kiv/Exception.h"
 #include "libDrive/LibDrive.h"
+#include "optical/OpticalRun.h"
 #include "os/Clock.h"
 #include "quel5/Host.h"
 #include "quel5/Registry.h"
@@ -104,27 +106,20 @@ bool writeReportFiles(const CommandLine& line, const DeviceHeader& header,
     return written;
 }
 
-// The framework host and the stop-signal handlers, for one run.
-class RunScope {
-public:
-    explicit RunScope(ConsoleHost& host) {
-        quel5::installHost(&host);
-        clearStopRequest();
-        installInterruptHandler();
-    }
-    ~RunScope() {
-        removeInterruptHandler();
-        quel5::installHost(nullptr);
-    }
-    RunScope(const RunScope&) = delete;
-    RunScope& operator=(const RunScope&) = delete;
-};
-
 int runTest(const CommandLine& line, const Console& console) {
     const TestDefinition* test = findTest(line.test);
     if (!test)
         return usageError(console,
                           "unknown test \"" + line.test + "\" (tests: " + testNames() + ")");
+    if (test->optical) {
+        const OpticalOutcome outcome = runOpticalTest(line, console);
+        if (!outcome.summary) return outcome.exitCode;
+        return writeReportFiles(line, *outcome.header, *outcome.summary, console) ? outcome.exitCode
+                                                                                  : kExitReportFile;
+    }
+    if (!line.opticalOptions.empty())
+        return usageError(console,
+                          line.opticalOptions.front().first + " belongs to the read-write test");
     if (test->destructive && !line.destructive)
         return usageError(console, "the " + test->name +
                                        " test overwrites sectors of the drive (it writes their "
@@ -257,8 +252,13 @@ int listDrivesCommand(const CommandLine& line, const Console& console) {
                                .text("model", drive.model)
                                .number("sizeBytes", drive.sizeBytes)
                                .number("bytesPerSector", drive.bytesPerSector)
+                               .boolean("optical", drive.optical)
+                               .text("medium", drive.medium)
                                .str()
                         << "\n";
+        } else if (drive.optical) {
+            console.out << drive.path << "  optical drive, " << drive.medium
+                        << (drive.model.empty() ? "" : "  " + drive.model) << "\n";
         } else {
             console.out << drive.path << "  " << binarySizeText(drive.sizeBytes) << "  "
                         << drive.bytesPerSector << "-byte sectors"

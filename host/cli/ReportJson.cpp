@@ -60,6 +60,11 @@ std::string headerJson(const DeviceHeader& header) {
         .number("totalBytes", header.totalSectors * header.sectorBytes)
         .number("sectorBytes", header.sectorBytes)
         .number("physicalSectorBytes", header.physicalSectorBytes);
+    if (header.medium.empty()) {
+        object.raw("medium", "null");
+    } else {
+        object.text("medium", header.medium);
+    }
     if (header.directIo) {
         object.boolean("directIo", *header.directIo);
     } else {
@@ -87,6 +92,10 @@ std::string summaryJson(const RunSummary& summary) {
     }
     object.raw("readTimes",
                summary.readTimes != nullptr ? readTimesJson(*summary.readTimes) : "null");
+    std::string speeds = "[";
+    for (unsigned int speed : summary.speeds)
+        speeds += (speeds.size() > 1 ? "," : "") + std::to_string(speed);
+    object.raw("speeds", speeds + "]");
     return object.number("compareErrors", summary.compareErrors)
         .number("elapsedMs", summary.elapsedMs)
         .decimal("bytesPerSecond", summary.bytesPerSecond())

@@ -52,6 +52,15 @@ std::string slowestText(const ReadTimes& times) {
     return text;
 }
 
+// "11080 kB/s, 8310 kB/s, the drive's maximum".
+std::string speedsText(const std::vector<unsigned int>& speeds) {
+    std::string text;
+    for (unsigned int speed : speeds)
+        text += (text.empty() ? "" : ", ") + (speed == 0xFFFF ? std::string("the drive's maximum")
+                                                              : std::to_string(speed) + " kB/s");
+    return text;
+}
+
 std::string rateText(double bytesPerSecond) {
     return binarySizeText(static_cast<uint64_t>(bytesPerSecond)) + "/s";
 }
@@ -75,6 +84,7 @@ std::vector<std::string> headerLines(const DeviceHeader& header) {
     if (!header.model.empty() || !header.serial.empty())
         lines.push_back("  Model: " + (header.model.empty() ? "unknown" : header.model) +
                         "  Serial: " + (header.serial.empty() ? "unknown" : header.serial));
+    if (!header.medium.empty()) lines.push_back("  Medium: " + header.medium);
     const uint64_t bytes = header.totalSectors * header.sectorBytes;
     lines.push_back("  Capacity: " + plural(header.totalSectors, "sector") + ", " +
                     binarySizeText(bytes) + " (" + std::to_string(bytes) + " bytes)");
@@ -104,6 +114,7 @@ std::vector<std::string> summaryLines(const RunSummary& summary) {
         lines.push_back(field("Reads", tallyText(summary.operations->reads())));
         lines.push_back(field("Writes", tallyText(summary.operations->writes())));
     }
+    if (!summary.speeds.empty()) lines.push_back(field("Speeds set", speedsText(summary.speeds)));
     if (summary.readTimes != nullptr) {
         lines.push_back(field("Read times", histogramText(*summary.readTimes)));
         if (!summary.readTimes->slowest().empty())

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "cli/TestTable.h"
 #include "drives/OperationRecord.h"
@@ -22,6 +23,7 @@ struct DeviceHeader {
     uint32_t sectorBytes = 0;          // logical
     uint32_t physicalSectorBytes = 0;  // 0 when the system does not say
     std::optional<bool> directIo;      // unset where it does not apply
+    std::string medium;                // optical: the disc in the drive; "" for other drives
 };
 
 // The header of `drive`, opened from `deviceText`.
@@ -38,6 +40,8 @@ struct RunSummary {
     unsigned int percentReached = 0;  // how far the last pass got
     std::string result;               // "PASS", "FAIL", ...
     int exitCode = 0;
+    // Optical: each speed the test set, in kB/s and in order (0xFFFF: the drive's maximum).
+    std::vector<unsigned int> speeds;
 
     // Bytes read and written per second over the run; 0 when no time passed.
     double bytesPerSecond() const;

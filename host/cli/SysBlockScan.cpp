@@ -53,7 +53,8 @@ std::vector<DriveInfo> scanSysBlock(const fs::path& sysBlock, const std::string&
         }
         // The kernel counts the size in 512-byte units whatever the sector size.
         drive.sizeBytes = readNumber(entry.path() / "size") * 512;
-        if (drive.sizeBytes == 0) continue;
+        drive.optical = startsWith(name, "sr");
+        if (drive.sizeBytes == 0 && !drive.optical) continue;
         drive.bytesPerSector =
             static_cast<uint32_t>(readNumber(entry.path() / "queue" / "logical_block_size"));
         if (drive.bytesPerSector == 0) drive.bytesPerSector = 512;

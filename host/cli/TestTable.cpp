@@ -10,6 +10,7 @@
 #include "libDrive/PatternTest.h"
 #include "libDrive/RandomSeekTest.h"
 #include "libDrive/SurfaceScanTest.h"
+#include "optical/OpticalOptions.h"
 
 namespace host {
 namespace {
@@ -51,6 +52,12 @@ quel5::TestResult runChecksum(kivrlibdrive::Drive& drive, const RangeObserver&) 
     if (medium == nullptr) return quel5::TestResult::NOTSUPPORTED;
     kivrlibdrive::CChecksumTest test(drive, medium->checksumParameters());
     return test.Run();
+}
+
+std::vector<ParameterDefault> opticalOptionDefaults() {
+    std::vector<ParameterDefault> defaults;
+    for (const auto& [option, value] : opticalDefaults()) defaults.push_back({option, value});
+    return defaults;
 }
 
 std::vector<TestDefinition> buildTable() {
@@ -100,6 +107,10 @@ std::vector<TestDefinition> buildTable() {
          runChecksum,
          false,
          true},
+        {"read-write",
+         "Writes sectors of a disc in an optical writer at each speed the disc allows, reads "
+         "them back and compares (overwrites the disc; see --media and --device emu:).",
+         opticalOptionDefaults(), nullptr, false, false, true},
     };
 }
 

@@ -41,6 +41,9 @@ struct TestDefinition {
     // Reads files of a test medium (host/ChecksumSetup.h) rather than sectors of --device; run
     // is given a host::MediumDrive.
     bool onMedium = false;
+    // Writes and verifies a disc in an optical writer (optical/OpticalRun.h); `run` is unset and
+    // `defaults` lists options rather than parameters.
+    bool optical = false;
 };
 
 // Every test, in the order `drivediag tests` lists them.

@@ -1,0 +1,111 @@
+// drivediag run read-write from command line to exit code, on emulated writers and on the
+// virtual clock: whole runs per kind of disc, the media checks and the writer's faults.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+#include "DrivediagRun.h"
+#include "cli/StopRequest.h"
+#include "os/EmulatedDevice.h"
+#include "sim/mmc/DiscModel.h"
+#include "sim/mmc/EmulatedWriter.h"
+#include "sim/mmc/Opcodes.h"
+#include "support/ScopedVirtualClock.h"
+
+namespace {
+
+using hosttest::runDrivediag;
+using hosttest::RunOutput;
+using Args = std::vector<std::string>;
+using sim::mmc::DiscStatus;
+using sim::mmc::MediaKind;
+
+constexpr const char* kWriterName = "\\\\.\\SimCdRom5";
+
+// A writer registered under kWriterName, reached by drivediag as a real writer would be, so
+// the test can look at the disc afterwards. `onCommand` sees each command block first.
+class RegisteredWriter final : public os::EmulatedDevice, public kivscsi::ScsiTarget {
+public:
+    explicit RegisteredWriter(const sim::mmc::DiscModel& disc)
+        : writer(std::make_shared<sim::mmc::EmulatedWriter>()) {
+        writer->insertDisc(disc);
+    }
+    os::Error open(uint32_t access) override { return writer->open(access); }
+    os::GeometryResult geometry() override { return writer->geometry(); }
+    void execute(const kivscsi::ScsiCommand& command, kivscsi::ScsiResponse& response) override {
+        if (onCommand) onCommand(command.cdb[0]);
+        writer->execute(command, response);
+    }
+
+    std::shared_ptr<sim::mmc::EmulatedWriter> writer;
+    std::function<void(uint8_t opcode)> onCommand;
+};
+
+class OpticalRunTest : public ::testing::Test {
+protected:
+    std::shared_ptr<RegisteredWriter> registerWriter(const sim::mmc::DiscModel& disc) {
+        auto target = std::make_shared<RegisteredWriter>(disc);
+        os::registerEmulatedDevice(kWriterName, target);
+        return target;
+    }
+    void TearDown() override { os::unregisterEmulatedDevice(kWriterName); }
+
+    static RunOutput run(Args extra) {
+        Args args = {"run", "read-write", "--sectors", "64"};
+        args.insert(args.end(), extra.begin(), extra.end());
+        return runDrivediag(args);
+    }
+
+    testsupport::ScopedVirtualClock clock_;
+};
+
+TEST_F(OpticalRunTest, AWholeRunOnEachWritableKindLeavesTheDiscAsItsKindNeeds) {
+    // 64 sectors at each of the kind's write speeds: a sequential disc goes on after them all.
+    const struct {
+        MediaKind kind;
+        DiscStatus after;       // the disc's status once drivediag is done
+        uint32_t nextWritable;  // where a sequential disc goes on; 0 for overwritable ones
+    } cases[] = {
+        {MediaKind::CdR, DiscStatus::Appendable, 5 * 64},
+        {MediaKind::CdRw, DiscStatus::Appendable, 4 * 64},
+        {MediaKind::DvdMinusR, DiscStatus::Appendable, 4 * 64},
+        {MediaKind::DvdMinusRw, DiscStatus::Appendable, 4 * 64},
+        {MediaKind::DvdMinusRDualLayer, DiscStatus::Appendable, 3 * 64},
+        {MediaKind::DvdPlusR, DiscStatus::Appendable, 4 * 64},
+        {MediaKind::DvdPlusRw, DiscStatus::Complete, 0},
+        {MediaKind::DvdPlusRDualLayer, DiscStatus::Appendable, 3 * 64},
+        {MediaKind::DvdRam, DiscStatus::Complete, 0},
+        {MediaKind::BdR, DiscStatus::Appendable, 4 * 64},
+        {MediaKind::BdRe, DiscStatus::Complete, 0},
+    };
+    for (const auto& c : cases) {
+        const sim::mmc::DiscModel disc = sim::mmc::discOf(c.kind);
+        SCOPED_TRACE(sim::mmc::traitsOf(c.kind).name);
+        const auto target = registerWriter(disc);
+        const RunOutput output =
+            run({"--device", kWriterName, "--destructive", "--usage-limit", "3"});
+        EXPECT_EQ(output.exitCode, 0) << output.out << output.err;
+        EXPECT_EQ(output.result(), "PASS (exit code 0)");
+        const sim::mmc::WriterSnapshot after = target->writer->snapshot();
+        EXPECT_EQ(after.status, c.after);
+        // The usage marker of the first use: the count twice, then the fill byte.
+        const auto first = target->writer->mediumSector(0);
+        ASSERT_TRUE(first.has_value());
+        EXPECT_EQ(std::vector<uint8_t>(first->begin(), first->begin() + 7),
+                  (std::vector<uint8_t>{0x00, 0x01, 0x00, 0x01, 0xBD, 0xBD, 0xBD}));
+        EXPECT_FALSE(after.removalPrevented);
+        EXPECT_EQ(after.nextWritable, c.nextWritable);
+        // Every speed the disc allows, fastest first, each with its pass written and read.
+        std::string speeds;
+        for (uint16_t speed : sim::mmc::traitsOf(c.kind).writeSpeeds)
+            speeds += (speeds.empty() ? "" : ", ") + std::to_string(speed) + " kB/s";
+        EXPECT_EQ(output.lineWith({"Speeds set:"}), "  Speeds set:      " + speeds);
+        const std::string sectors =
+            std::to_string(64 * sim::mmc::traitsOf(c.kind).writeSpeeds.size()) + " sectors;";
+        EXPECT_NE(output.lineWith({"Writes:", sectors, "none failed"}), "");
+        EXPECT_NE(output.lineWith({"Reads:", sectors, "none failed"}), "");
+    }
+}
+
+}  // namespace
