@@ -36,16 +36,23 @@ std::string eventMessage(const quel5::Event& event) {
 }
 
 int messageBoxAnswer(PromptAnswer answer, unsigned int buttons) {
-    const bool okOnly = buttons == 0;
-    switch (answer) {
-        case PromptAnswer::Yes:
-            return okOnly ? quel5::MB2_OK : quel5::MB2_YES;
-        case PromptAnswer::No:
-            return okOnly ? quel5::MB2_CANCEL : quel5::MB2_NO;
-        case PromptAnswer::Cancel:
-            break;
+    // The buttons' codes are those of the Windows message box: 0 OK, 1 OK/Cancel, 2
+    // Abort/Retry/Ignore, 3 Yes/No/Cancel, 4 Yes/No, 5 Retry/Cancel. --yes presses the button
+    // that goes on, --no the one that does not, among those the box offers.
+    constexpr unsigned int kOk = 0, kOkCancel = 1, kAbortRetryIgnore = 2, kRetryCancel = 5;
+    if (answer == PromptAnswer::Cancel) return quel5::MB2_CANCEL;
+    const bool yes = answer == PromptAnswer::Yes;
+    switch (buttons) {
+        case kOk:
+        case kOkCancel:
+            return yes ? quel5::MB2_OK : quel5::MB2_CANCEL;
+        case kAbortRetryIgnore:
+            return yes ? quel5::MB2_RETRY : quel5::MB2_ABORT;
+        case kRetryCancel:
+            return yes ? quel5::MB2_RETRY : quel5::MB2_CANCEL;
+        default:
+            return yes ? quel5::MB2_YES : quel5::MB2_NO;
     }
-    return quel5::MB2_CANCEL;
 }
 
 std::string answerName(int answer) {

@@ -17,9 +17,11 @@ struct OperationName {
     std::optional<uint8_t> opcode;  // none: every command
 };
 
-// READ and WRITE faults go to the 10-byte commands the library uses.
+// The verify pass reads with READ(10), and again with READ(12) and forced unit access, from the
+// medium, when what it read differs; writes are WRITE(10).
 constexpr OperationName kOperations[] = {
     {"read", sim::mmc::opcode::kRead10},
+    {"fua-read", sim::mmc::opcode::kRead12},
     {"write", sim::mmc::opcode::kWrite10},
     {"flush", sim::mmc::opcode::kSynchronizeCache},
     {"close", sim::mmc::opcode::kCloseTrackSession},
@@ -191,8 +193,8 @@ private:
         }
         if (operation == nullptr || colon == std::string_view::npos)
             return fail(shown +
-                        ": expected OP:CODE with OP one of read, write, flush, close, "
-                        "blank, format, ready, speed, any");
+                        ": expected OP:CODE with OP one of read, fua-read, write, "
+                        "flush, close, blank, format, ready, speed, any");
         std::string_view rest = value.substr(colon + 1);
         const std::size_t marks = std::min(rest.find_first_of("@#*"), rest.size());
         const auto code = number<uint16_t>(rest.substr(0, marks), 16);

@@ -11,8 +11,8 @@
 //   maker=ID, disc-id=ID   the manufacturer and media type IDs (DVD, BD)
 //   lead-in=MM:SS:FF, lead-out=MM:SS:FF   the ATIP times (CD)
 //   fault=OP:CODE[@LBA][#N][*TIMES]
-//                    commands OP (read, write, flush, close, blank, format, ready, speed or
-//                    any) answer the sense code CODE (4 hex digits, ASC and ASCQ), only when
+//                    commands OP (read, fua-read: from the medium, write, flush, close,
+//                    blank, format, ready, speed or any) answer the sense code CODE (4 hex digits, ASC and ASCQ), only when
 //                    they touch LBA, from the Nth one; TIMES commands (default: every one from
 //                    then on with @LBA, one without), 0 for every one
 //   stale=LBA        after each cache flush the cache holds stale data for LBA

@@ -19,6 +19,9 @@ constexpr uint16_t kDvdMinusRDualLayer = 0x0015, kDvdMinusRDualLayerJump = 0x001
 constexpr uint16_t kDvdPlusRw = 0x001A, kDvdPlusR = 0x001B, kDvdPlusRDualLayer = 0x002B;
 constexpr uint16_t kBdRSequential = 0x0041, kBdRRandom = 0x0042, kBdRe = 0x0043;
 constexpr uint16_t kHdDvdRam = 0x0052, kHdDvdRw = 0x0053;
+// Written in place rather than appended to.
+constexpr std::initializer_list<uint16_t> kOverwritable = {kDvdRam, kDvdMinusRwOverwrite,
+                                                           kDvdPlusRw, kBdRe, kHdDvdRam};
 
 // READ TRACK INFORMATION: address type 1 names a track; track 0xFF is the one being written.
 constexpr uint8_t kByTrackNumber = 1;
@@ -215,8 +218,11 @@ unsigned int HostOpticalDrive::getNextWritableAddress() {
         throw kivrlibdrive::FailedReadingTrackInformation(
             kiv::String(L"The drive's track information was too short"));
     }
-    // Overwritable discs have no next writable address: the test writes from their start.
-    return track->nextWritableValid ? track->nextWritableAddress : 0;
+    if (track->nextWritableValid) return track->nextWritableAddress;
+    // An overwritable disc is written from its start; a sequential one without a next writable
+    // address is full or closed, with nothing left after its last track.
+    if (profileIs(kOverwritable)) return 0;
+    return track->trackStart + track->trackSize;
 }
 
 unsigned long long HostOpticalDrive::getTotalSectorsOnMedia() const {

@@ -108,4 +108,88 @@ TEST_F(OpticalRunTest, AWholeRunOnEachWritableKindLeavesTheDiscAsItsKindNeeds) {
     }
 }
 
+TEST_F(OpticalRunTest, DiscsTheTestRefusesAndWriterFaultsEndWithTheirExitCodeAndEvent) {
+    const struct {
+        const char* device;
+        Args extra;
+        const char* result;
+        int exitCode;
+        const char* event;  // the key and first variables of an event the run raises
+    } cases[] = {
+        {"emu:dvd-rom", {}, "INCORRECTMEDIA", 11, nullptr},
+        {"emu:none", {}, "NOMEDIA", 12, "\"key\":\"ERROR_NO_MEDIA\""},
+        {"emu:dvd+r,closed", {}, "INCORRECTMEDIA", 11,
+         "\"key\":\"MEDIA_CLOSED_EVENT\",\"text\":\"The DVD+R is closed and cannot be written.\""},
+        {"emu:dvd+r,full", {}, "PASS", 0, "\"key\":\"MEDIA_FULL_EVENT\""},
+        {"emu:dvd+r,used,uses=5", {"--usage-limit", "5"}, "INCORRECTMEDIA", 11,
+         "\"key\":\"MAX_USAGE_LIMIT_REACHED\",\"text\":\"This DVD+R has reached its limit of 5 "
+         "uses; use a new disc.\""},
+        {"emu:dvd+r,used,uses=3", {"--usage-limit", "5"}, "PASS", 0,
+         "\"key\":\"CURRENT_USAGE_VALUE\""},
+        // A failed run on a disc that is not approved ends once it is run again; an approved disc
+        // gets its second run, which writes past the bad spot.
+        {"emu:dvd+r,disc-id=R01,maker=OTHER,fault=write:0C00@40",
+         {"--qualified-only", "--rerun-unapproved", "--approved", "R01,MAKER", "--media-prompts",
+          "1", "--reruns", "2"},
+         "INCORRECTMEDIA", 11,
+         "\"key\":\"TestFailedOnNonQualMedia\",\"text\":\"The test failed on a disc that "
+         "drivediag has not qualified.\""},
+        {"emu:dvd+r,disc-id=R01,maker=MAKER,fault=write:0C00@40",
+         {"--qualified-only", "--rerun-unapproved", "--approved", "R01,MAKER", "--media-prompts",
+          "1", "--reruns", "2"},
+         "PASS", 0, "\"key\":\"DRIVE_SCSI_WRITE_FAILURE\""},
+        {"emu:dvd+rw,fault=write:0C00@40", {}, "FAIL", 1,
+         "\"key\":\"DRIVE_SCSI_WRITE_FAILURE\""},
+        {"emu:dvd+rw,fault=read:0803@20", {}, "FAIL", 1, "\"key\":\"COMMUNICATION_CRC_ERROR\""},
+        {"emu:dvd+rw,fault=read:0803#3", {}, "PASS", 0, nullptr},  // one CRC error is retried
+        {"emu:dvd+rw,fault=write:0408*0", {}, "TIMEDOUT", 10,
+         "\"key\":\"LONG_WRITE_IN_PROGRESS_ERROR\",\"text\":\"The write to sector 0 took too "
+         "long.\""},
+        {"emu:dvd+rw,stale=1", {}, "PASS", 0, nullptr},
+        // More sectors than the writer's cache holds, so the verify reads reach the medium.
+        {"emu:dvd+rw,lose=20", {"--sectors", "2048"}, "FAIL", 1, nullptr},
+        {"emu:dvd+rw,vanish=60", {}, "FAIL", 1, nullptr},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.device);
+        Args extra = {"--device", c.device, "--json"};
+        extra.insert(extra.end(), c.extra.begin(), c.extra.end());
+        const RunOutput output = run(extra);
+        EXPECT_EQ(output.exitCode, c.exitCode) << output.out << output.err;
+        EXPECT_NE(output.lineWith({"\"type\":\"summary\"", std::string("\"result\":\"") +
+                                                                 c.result + "\""}),
+                  "")
+            << output.out;
+        if (c.event != nullptr) {
+            EXPECT_NE(output.lineWith({"\"type\":\"event\"", c.event}), "") << output.out;
+        }
+    }
+}
+
+TEST_F(OpticalRunTest, CtrlCStopsTheRunAndErasesTheDiscWhenAskedTo) {
+    for (const bool eraseAfter : {false, true}) {
+        SCOPED_TRACE(eraseAfter ? "erasing after" : "keeping the disc");
+        const auto target = registerWriter(sim::mmc::discOf(MediaKind::CdRw));
+        int writes = 0;
+        target->onCommand = [&writes](uint8_t opcode) {
+            if (opcode == sim::mmc::opcode::kWrite10 && ++writes == 3) host::requestStop();
+        };
+        Args extra = {"--device", kWriterName, "--destructive"};
+        if (eraseAfter) extra.push_back("--erase-after");
+        const RunOutput output = run(extra);
+        EXPECT_EQ(output.exitCode, 4) << output.out << output.err;
+        EXPECT_EQ(output.result(), "USERABORTED (exit code 4)");
+        // The stop is seen before the next write.
+        EXPECT_EQ(writes, 3);
+        bool blanked = false;
+        for (const sim::mmc::CommandRecord& command : target->writer->history())
+            blanked = blanked || command.cdb[0] == sim::mmc::opcode::kBlank;
+        EXPECT_EQ(blanked, eraseAfter);
+        EXPECT_EQ(output.lineWith({"PROMPT:", "Erase the disc"}).empty(), !eraseAfter) << output.out;
+        EXPECT_EQ(target->writer->snapshot().status,
+                  eraseAfter ? DiscStatus::Blank : DiscStatus::Appendable);
+        host::clearStopRequest();
+    }
+}
+
 }  // namespace
