@@ -118,31 +118,45 @@ TEST_F(OpticalRunTest, DiscsTheTestRefusesAndWriterFaultsEndWithTheirExitCodeAnd
     } cases[] = {
         {"emu:dvd-rom", {}, "INCORRECTMEDIA", 11, nullptr},
         {"emu:none", {}, "NOMEDIA", 12, "\"key\":\"ERROR_NO_MEDIA\""},
-        {"emu:dvd+r,closed", {}, "INCORRECTMEDIA", 11,
+        {"emu:dvd+r,closed",
+         {},
+         "INCORRECTMEDIA",
+         11,
          "\"key\":\"MEDIA_CLOSED_EVENT\",\"text\":\"The DVD+R is closed and cannot be written.\""},
         {"emu:dvd+r,full", {}, "PASS", 0, "\"key\":\"MEDIA_FULL_EVENT\""},
-        {"emu:dvd+r,used,uses=5", {"--usage-limit", "5"}, "INCORRECTMEDIA", 11,
+        {"emu:dvd+r,used,uses=5",
+         {"--usage-limit", "5"},
+         "INCORRECTMEDIA",
+         11,
          "\"key\":\"MAX_USAGE_LIMIT_REACHED\",\"text\":\"This DVD+R has reached its limit of 5 "
          "uses; use a new disc.\""},
-        {"emu:dvd+r,used,uses=3", {"--usage-limit", "5"}, "PASS", 0,
+        {"emu:dvd+r,used,uses=3",
+         {"--usage-limit", "5"},
+         "PASS",
+         0,
          "\"key\":\"CURRENT_USAGE_VALUE\""},
         // A failed run on a disc that is not approved ends once it is run again; an approved disc
         // gets its second run, which writes past the bad spot.
         {"emu:dvd+r,disc-id=R01,maker=OTHER,fault=write:0C00@40",
          {"--qualified-only", "--rerun-unapproved", "--approved", "R01,MAKER", "--media-prompts",
           "1", "--reruns", "2"},
-         "INCORRECTMEDIA", 11,
+         "INCORRECTMEDIA",
+         11,
          "\"key\":\"TestFailedOnNonQualMedia\",\"text\":\"The test failed on a disc that "
          "drivediag has not qualified.\""},
         {"emu:dvd+r,disc-id=R01,maker=MAKER,fault=write:0C00@40",
          {"--qualified-only", "--rerun-unapproved", "--approved", "R01,MAKER", "--media-prompts",
           "1", "--reruns", "2"},
-         "PASS", 0, "\"key\":\"DRIVE_SCSI_WRITE_FAILURE\""},
-        {"emu:dvd+rw,fault=write:0C00@40", {}, "FAIL", 1,
+         "PASS",
+         0,
          "\"key\":\"DRIVE_SCSI_WRITE_FAILURE\""},
+        {"emu:dvd+rw,fault=write:0C00@40", {}, "FAIL", 1, "\"key\":\"DRIVE_SCSI_WRITE_FAILURE\""},
         {"emu:dvd+rw,fault=read:0803@20", {}, "FAIL", 1, "\"key\":\"COMMUNICATION_CRC_ERROR\""},
         {"emu:dvd+rw,fault=read:0803#3", {}, "PASS", 0, nullptr},  // one CRC error is retried
-        {"emu:dvd+rw,fault=write:0408*0", {}, "TIMEDOUT", 10,
+        {"emu:dvd+rw,fault=write:0408*0",
+         {},
+         "TIMEDOUT",
+         10,
          "\"key\":\"LONG_WRITE_IN_PROGRESS_ERROR\",\"text\":\"The write to sector 0 took too "
          "long.\""},
         {"emu:dvd+rw,stale=1", {}, "PASS", 0, nullptr},
@@ -156,8 +170,8 @@ TEST_F(OpticalRunTest, DiscsTheTestRefusesAndWriterFaultsEndWithTheirExitCodeAnd
         extra.insert(extra.end(), c.extra.begin(), c.extra.end());
         const RunOutput output = run(extra);
         EXPECT_EQ(output.exitCode, c.exitCode) << output.out << output.err;
-        EXPECT_NE(output.lineWith({"\"type\":\"summary\"", std::string("\"result\":\"") +
-                                                                 c.result + "\""}),
+        EXPECT_NE(output.lineWith(
+                      {"\"type\":\"summary\"", std::string("\"result\":\"") + c.result + "\""}),
                   "")
             << output.out;
         if (c.event != nullptr) {
@@ -185,11 +199,38 @@ TEST_F(OpticalRunTest, CtrlCStopsTheRunAndErasesTheDiscWhenAskedTo) {
         for (const sim::mmc::CommandRecord& command : target->writer->history())
             blanked = blanked || command.cdb[0] == sim::mmc::opcode::kBlank;
         EXPECT_EQ(blanked, eraseAfter);
-        EXPECT_EQ(output.lineWith({"PROMPT:", "Erase the disc"}).empty(), !eraseAfter) << output.out;
+        EXPECT_EQ(output.lineWith({"PROMPT:", "Erase the disc"}).empty(), !eraseAfter)
+            << output.out;
         EXPECT_EQ(target->writer->snapshot().status,
                   eraseAfter ? DiscStatus::Blank : DiscStatus::Appendable);
         host::clearStopRequest();
     }
+}
+
+TEST_F(OpticalRunTest, CommandLinesThatCannotWorkAreRefusedBeforeAWriterIsTouched) {
+    const struct {
+        Args args;
+        const char* error;
+    } cases[] = {
+        {{"run", "read-write", "--device", "/dev/sr9"},
+         "overwrites the disc in /dev/sr9; add --destructive"},
+        {{"run", "read-write", "--set", "MaxErrors=3"}, "has no library parameters"},
+        {{"run", "read-write", "--map", "scan.svg"}, "--map FILE draws read times"},
+        {{"run", "read-write", "--device", "emu:dvd+rw,fault=write"}, "expected OP:CODE"},
+        {{"run", "read-write", "--sectors", "-1"}, "--sectors -1: expected"},
+        {{"run", "surface-scan", "--blank-only"}, "--blank-only belongs to the read-write test"},
+        {{"tests", "--sectors", "5"}, "--sectors belongs to the run command"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.error);
+        const RunOutput output = runDrivediag(c.args);
+        EXPECT_EQ(output.exitCode, 64);
+        EXPECT_NE(output.err.find(c.error), std::string::npos) << output.err;
+        EXPECT_EQ(output.out, "");
+    }
+    const RunOutput tests = runDrivediag({"tests"});
+    EXPECT_NE(tests.lineWith({"read-write"}), "");
+    EXPECT_NE(tests.lineWith({"defaults:", "--sectors=8192"}), "");
 }
 
 }  // namespace
