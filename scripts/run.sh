@@ -4,6 +4,7 @@
 # Usage: scripts/run.sh [TEST] [drivediag run options...]
 #   scripts/run.sh                                   # surface-scan on the built-in simulated drive
 #   scripts/run.sh linear-seek --device /dev/loop0   # on a real block device
+#   scripts/run.sh read-write                        # the optical test on an emulated DVD+RW
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 cd "$root"
