@@ -48,7 +48,7 @@ TEST_F(ScsiTraceLogTest, CommandsAreLoggedOnTheTraceLoggerAtLevelOne) {
             EXPECT_EQ(records[0].logger.toUtf8(), "scsi.Trace");
             EXPECT_EQ(records[0].priority, 1);
             EXPECT_EQ(records[0].message.toUtf8(),
-                      "sim:trace-log CDB 00 00 00 00 00 00 -> 0000 in 0 ms");
+                      "sim:trace-log TEST UNIT READY CDB 00 00 00 00 00 00 -> 0000 in 0 ms");
         }
     }
 }

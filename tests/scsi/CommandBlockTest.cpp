@@ -66,6 +66,24 @@ TEST(CommandBlockTest, EachCallSendsItsCommandBlock) {
         {"ReadDiscInformation",
          [](auto& p, auto n, auto b) { return kivscsi::ReadDiscInformation(p, n, b, 804, 0); },
          {0x51, 0x00, 0, 0, 0, 0, 0, 0x03, 0x24, 0}, kIn, 804, 30000},
+        {"ReadTrackInformation invisible track",
+         [](auto& p, auto n, auto b) {
+             return kivscsi::ReadTrackInformation(p, n, 1, 0xFF, b, 48);
+         },
+         {0x52, 0x01, 0x00, 0x00, 0x00, 0xFF, 0, 0x00, 0x30, 0}, kIn, 48, 30000},
+        {"ReadTrackInformation by LBA, type kept to two bits",
+         [](auto& p, auto n, auto b) {
+             return kivscsi::ReadTrackInformation(p, n, 0xFC, 0x0102A3B4, b, 0x0123);
+         },
+         {0x52, 0x00, 0x01, 0x02, 0xA3, 0xB4, 0, 0x01, 0x23, 0}, kIn, 0x0123, 30000},
+        {"ReadTrackInformation by session",
+         [](auto& p, auto n, auto b) { return kivscsi::ReadTrackInformation(p, n, 2, 3, b, 36); },
+         {0x52, 0x02, 0x00, 0x00, 0x00, 0x03, 0, 0x00, 0x24, 0}, kIn, 36, 30000},
+        {"GetWriteSpeedPerformance",
+         [](auto& p, auto n, auto b) {
+             return kivscsi::GetWriteSpeedPerformance(p, n, 0x0102, b, 8 + 16 * 0x0102);
+         },
+         {0xAC, 0x00, 0, 0, 0, 0, 0, 0, 0x01, 0x02, 0x03, 0}, kIn, 8 + 16 * 0x0102, 30000},
         {"ReadDvdStructure ADIP",
          [](auto& p, auto n, auto b) {
              return kivscsi::ReadDvdStructure(p, n, 0, 0, 0x11, b, 256, 0);
@@ -152,8 +170,8 @@ TEST(CommandBlockTest, EachCallSendsItsCommandBlock) {
     for (const CommandCase& c : cases) {
         SCOPED_TRACE(c.name);
         scsitest::RegisteredTarget device;
-        device.target().reply.dataIn.assign(1024, 0);
-        std::vector<uint8_t> buffer(1024, 0x5A);
+        device.target().reply.dataIn.assign(8192, 0);
+        std::vector<uint8_t> buffer(8192, 0x5A);
         EXPECT_EQ(c.call(path, device.name(), buffer.data()), kivscsi::kStatusGood);
         const auto& commands = device.target().commands;
         ASSERT_EQ(commands.size(), 1u);

@@ -307,6 +307,168 @@ TEST(DecoderTest, CopyProtectionAndAtip) {
     EXPECT_FALSE(kivscsi::decodeAtip(atip.data(), atip.size()));
 }
 
+// READ TRACK INFORMATION of a blank DVD+R (2,295,104 sectors) asked for its invisible track,
+// as drives answer it: track 1 of session 1, track mode 7, blank, data mode 1, NWA valid at 0,
+// the whole disc free, blocking factor 16; the track and session number MSBs at bytes 32-33
+// set to 0x01 and 0x02 to see where they are read.
+Bytes blankDvdPlusRTrack() {
+    Bytes data = {0x00, 0x2E, 0x01, 0x01, 0x00, 0x07, 0x41, 0x01,  // header, modes, NWA_V
+                  0x00, 0x00, 0x00, 0x00,                          // track start
+                  0x00, 0x00, 0x00, 0x00,                          // next writable address
+                  0x00, 0x23, 0x05, 0x40,                          // free blocks
+                  0x00, 0x00, 0x00, 0x10,                          // fixed packet size
+                  0x00, 0x23, 0x05, 0x40,                          // track size
+                  0x00, 0x00, 0x00, 0x00,                          // last recorded address
+                  0x01, 0x02};                                     // number MSBs
+    data.resize(48, 0);
+    return data;
+}
+
+TEST(DecoderTest, TrackInformation) {
+    struct Case {
+        const char* name;
+        Bytes data;
+        size_t received;
+        bool decoded;
+        uint16_t trackNumber;
+        uint16_t sessionNumber;
+    };
+    const Bytes full = blankDvdPlusRTrack();
+    Bytes statedAllButMsbs = full;
+    statedAllButMsbs[1] = 30;  // holds bytes up to 31
+    Bytes statedShort = full;
+    statedShort[1] = 25;  // ends inside Track Size
+    Bytes statedHuge = full;
+    statedHuge[0] = 0xFF, statedHuge[1] = 0xFF;
+    const std::vector<Case> cases = {
+        {"whole answer", full, full.size(), true, 0x0101, 0x0201},
+        {"up to the session MSB", full, 34, true, 0x0101, 0x0201},
+        {"session MSB cut", full, 33, true, 0x0101, 0x0001},
+        {"old 28-byte answer", full, 28, true, 0x0001, 0x0001},
+        {"track size cut", full, 27, false, 0, 0},
+        {"length field only", full, 2, false, 0, 0},
+        {"nothing", full, 0, false, 0, 0},
+        {"stated length stops before the MSBs", statedAllButMsbs, 48, true, 0x0001, 0x0001},
+        {"stated length stops inside track size", statedShort, 48, false, 0, 0},
+        {"stated length beyond the answer", statedHuge, 33, true, 0x0101, 0x0001},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Bytes seen(c.data.begin(), c.data.begin() + static_cast<std::ptrdiff_t>(c.received));
+        const auto track = kivscsi::decodeTrackInformation(seen.data(), seen.size());
+        ASSERT_EQ(track.has_value(), c.decoded);
+        if (!track) continue;
+        EXPECT_EQ(track->trackNumber, c.trackNumber);
+        EXPECT_EQ(track->sessionNumber, c.sessionNumber);
+    }
+
+    const auto track = kivscsi::decodeTrackInformation(full.data(), full.size());
+    ASSERT_TRUE(track);
+    EXPECT_EQ(track->trackMode, 7);
+    EXPECT_EQ(track->dataMode, 1);
+    EXPECT_TRUE(track->blank);
+    EXPECT_FALSE(track->packet);
+    EXPECT_FALSE(track->fixedPacket);
+    EXPECT_TRUE(track->nextWritableValid);
+    EXPECT_EQ(track->trackStart, 0u);
+    EXPECT_EQ(track->nextWritableAddress, 0u);
+    EXPECT_EQ(track->freeBlocks, 2295104u);
+    EXPECT_EQ(track->fixedPacketSize, 16u);
+    EXPECT_EQ(track->trackSize, 2295104u);
+
+    // A DVD-R's appended track: every field distinct, so a field read at a neighbour's offset
+    // shows.
+    Bytes appended = full;
+    appended[5] = 0x35;  // copy bit above the track mode
+    appended[6] = 0xB1;  // reserved track, packet, fixed packet, data mode 1
+    appended[7] = 0x02;  // LRA valid, NWA not valid
+    const uint8_t fields[] = {0x00, 0x01, 0x86, 0xA0, 0x00, 0x01, 0x86, 0xB0, 0x00, 0x21,
+                              0x7E, 0xA0, 0x00, 0x00, 0x00, 0x20, 0x00, 0x00, 0x00, 0x10};
+    std::copy(std::begin(fields), std::end(fields), appended.begin() + 8);
+    const auto other = kivscsi::decodeTrackInformation(appended.data(), appended.size());
+    ASSERT_TRUE(other);
+    EXPECT_EQ(other->trackMode, 5);
+    EXPECT_EQ(other->dataMode, 1);
+    EXPECT_FALSE(other->blank);
+    EXPECT_TRUE(other->packet);
+    EXPECT_TRUE(other->fixedPacket);
+    EXPECT_FALSE(other->nextWritableValid);
+    EXPECT_EQ(other->trackStart, 100000u);
+    EXPECT_EQ(other->nextWritableAddress, 100016u);
+    EXPECT_EQ(other->freeBlocks, 0x00217EA0u);
+    EXPECT_EQ(other->fixedPacketSize, 32u);
+    EXPECT_EQ(other->trackSize, 16u);
+}
+
+// GET PERFORMANCE type 03h answer with `speeds` descriptors (end LBA 2,295,103, read speed
+// 16x DVD) and the given Performance Data Length (-1: the true one).
+Bytes writeSpeeds(std::initializer_list<uint32_t> speeds, int64_t statedLength = -1) {
+    Bytes data(8, 0);
+    for (const uint32_t speed : speeds) {
+        const uint8_t descriptor[16] = {0x00,
+                                        0,
+                                        0,
+                                        0,
+                                        0x00,
+                                        0x23,
+                                        0x05,
+                                        0x3F,
+                                        0x00,
+                                        0x00,
+                                        0x56,
+                                        0x90,
+                                        static_cast<uint8_t>(speed >> 24),
+                                        static_cast<uint8_t>(speed >> 16),
+                                        static_cast<uint8_t>(speed >> 8),
+                                        static_cast<uint8_t>(speed)};
+        data.insert(data.end(), std::begin(descriptor), std::end(descriptor));
+    }
+    const uint32_t length = statedLength < 0 ? static_cast<uint32_t>(data.size() - 4)
+                                             : static_cast<uint32_t>(statedLength);
+    data[0] = static_cast<uint8_t>(length >> 24);
+    data[1] = static_cast<uint8_t>(length >> 16);
+    data[2] = static_cast<uint8_t>(length >> 8);
+    data[3] = static_cast<uint8_t>(length);
+    return data;
+}
+
+TEST(DecoderTest, WriteSpeedDescriptors) {
+    struct Case {
+        const char* name;
+        Bytes data;
+        size_t received;
+        std::vector<uint32_t> expected;
+    };
+    const Bytes three = writeSpeeds({22160, 11080, 5540});
+    const std::vector<Case> cases = {
+        {"three descriptors", three, three.size(), {22160, 11080, 5540}},
+        {"last descriptor cut by one byte", three, three.size() - 1, {22160, 11080}},
+        {"received ends at a descriptor", three, 40, {22160, 11080}},
+        {"header only", three, 8, {}},
+        {"header cut", three, 7, {}},
+        {"stated length covers one and a half",
+         writeSpeeds({22160, 11080, 5540}, 4 + 24),
+         56,
+         {22160}},
+        {"stated length a byte short of two", writeSpeeds({22160, 11080}, 4 + 31), 40, {22160}},
+        {"stated length below the header", writeSpeeds({22160}, 2), 24, {}},
+        {"stated length huge", writeSpeeds({22160, 11080}, 0xFFFFFFFF), 40, {22160, 11080}},
+        {"no descriptors", writeSpeeds({}), 8, {}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Bytes seen(c.data.begin(), c.data.begin() + static_cast<std::ptrdiff_t>(c.received));
+        const auto descriptors = kivscsi::decodeWriteSpeedDescriptors(seen.data(), seen.size());
+        std::vector<uint32_t> speeds;
+        for (const auto& d : descriptors) {
+            speeds.push_back(d.writeSpeed);
+            EXPECT_EQ(d.endLba, 2295103u);
+            EXPECT_EQ(d.readSpeed, 22160u);
+        }
+        EXPECT_EQ(speeds, c.expected);
+    }
+}
+
 TEST(DecoderTest, ByteOrderHelpers) {
     EXPECT_EQ(kivscsi::SwapBytes16(0x1234), 0x3412);
     EXPECT_EQ(kivscsi::SwapBytes32(0x12345678u), 0x78563412u);

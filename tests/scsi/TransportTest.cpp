@@ -2,6 +2,7 @@
 // the trace of every command to the installed sink.
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -192,12 +193,17 @@ TEST_F(TraceTest, EveryCommandIsLoggedWithItsStatus) {
     scsitest::Reply gone;
     gone.transportStatus = kivscsi::kStatusDeviceGone;
     const std::vector<Case> cases = {
-        {"good", good, "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> 0000 in 15 ms, residual 8"},
-        {"full answer", fullAnswer, "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> 0000 in 0 ms"},
+        {"good", good,
+         "sim:trace READ DISC INFORMATION CDB 51 00 00 00 00 00 00 00 10 00 -> 0000 in 15 ms, "
+         "residual 8"},
+        {"full answer", fullAnswer,
+         "sim:trace READ DISC INFORMATION CDB 51 00 00 00 00 00 00 00 10 00 -> 0000 in 0 ms"},
         {"sense", noMedium,
-         "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> 3A01 in 0 ms, residual 16, sense 72 "
+         "sim:trace READ DISC INFORMATION CDB 51 00 00 00 00 00 00 00 10 00 -> 3A01 in 0 ms, "
+         "residual 16, sense 72 "
          "02 3A 01"},
-        {"gone", gone, "sim:trace CDB 51 00 00 00 00 00 00 00 10 00 -> AB10 in 0 ms"},
+        {"gone", gone,
+         "sim:trace READ DISC INFORMATION CDB 51 00 00 00 00 00 00 00 10 00 -> AB10 in 0 ms"},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -206,6 +212,48 @@ TEST_F(TraceTest, EveryCommandIsLoggedWithItsStatus) {
         device.target().reply = c.reply;
         uint8_t buffer[16];
         kivscsi::ReadDiscInformation({}, device.name(), buffer, sizeof(buffer));
+        EXPECT_EQ(sink_->lines, std::vector<std::string>{c.expected});
+    }
+}
+
+TEST_F(TraceTest, CommandsAreNamedAndUnknownOnesShownByTheirBytesAlone) {
+    struct Case {
+        const char* name;
+        std::function<void(const char* device, uint8_t* buffer)> send;
+        const char* expected;
+    };
+    const std::vector<Case> cases = {
+        {"track information",
+         [](auto device, auto buffer) {
+             kivscsi::ReadTrackInformation({}, device, 1, 0xFF, buffer, 48);
+         },
+         "sim:trace READ TRACK INFORMATION CDB 52 01 00 00 00 FF 00 00 30 00 -> 0000 in 0 ms, "
+         "residual 48"},
+        {"write speeds",
+         [](auto device, auto buffer) {
+             kivscsi::GetWriteSpeedPerformance({}, device, 2, buffer, 40);
+         },
+         "sim:trace GET PERFORMANCE CDB AC 00 00 00 00 00 00 00 00 02 03 00 -> 0000 in 0 ms, "
+         "residual 40"},
+        {"vendor command",
+         [](auto device, auto) {
+             auto opened = kivscsi::openTransport(device);
+             ASSERT_TRUE(opened.transport);
+             kivscsi::TracingTransport traced(std::move(opened.transport), device,
+                                              kivscsi::installedTraceSink());
+             kivscsi::ScsiCommand command;
+             command.cdb[0] = 0xE7;
+             command.cdbLength = 6;
+             traced.send(command);
+         },
+         "sim:trace CDB E7 00 00 00 00 00 -> 0000 in 0 ms"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        sink_->lines.clear();
+        scsitest::RegisteredTarget device("sim:trace");
+        uint8_t buffer[48];
+        c.send(device.name(), buffer);
         EXPECT_EQ(sink_->lines, std::vector<std::string>{c.expected});
     }
 }

@@ -9,11 +9,14 @@ constexpr uint8_t kReadTocPmaAtip = 0x43;
 constexpr uint8_t kGetConfiguration = 0x46;
 constexpr uint8_t kGetEventStatusNotification = 0x4A;
 constexpr uint8_t kReadDiscInformation = 0x51;
+constexpr uint8_t kReadTrackInformation = 0x52;
+constexpr uint8_t kGetPerformance = 0xAC;
 constexpr uint8_t kReadDiscStructure = 0xAD;
 
 constexpr uint8_t kMediaTypeDvd = 0x00;
 constexpr uint8_t kMediaTypeBd = 0x01;
 constexpr uint8_t kTocFormatAtip = 0x04;
+constexpr uint8_t kPerformanceTypeWriteSpeed = 0x03;
 
 Status readDiscStructure(const _SCSI_PATH& path, const char* deviceName, uint8_t mediaType,
                          uint32_t address, uint8_t layer, uint8_t format, void* buffer,
@@ -65,6 +68,31 @@ Status ReadDiscInformation(const _SCSI_PATH& path, const char* deviceName, void*
                    CdbBuilder(kReadDiscInformation, 10)
                        .byte(1, dataType & 0x07)
                        .big16(7, allocation)
+                       .dataIn(buffer, allocation)
+                       .command,
+                   received);
+}
+
+Status ReadTrackInformation(const _SCSI_PATH& path, const char* deviceName, uint8_t addressType,
+                            uint32_t address, void* buffer, uint16_t allocation,
+                            uint32_t* received) {
+    return execute(path, deviceName,
+                   CdbBuilder(kReadTrackInformation, 10)
+                       .byte(1, addressType & 0x03)
+                       .big32(2, address)
+                       .big16(7, allocation)
+                       .dataIn(buffer, allocation)
+                       .command,
+                   received);
+}
+
+Status GetWriteSpeedPerformance(const _SCSI_PATH& path, const char* deviceName,
+                                uint16_t maxDescriptors, void* buffer, uint16_t allocation,
+                                uint32_t* received) {
+    return execute(path, deviceName,
+                   CdbBuilder(kGetPerformance, 12)
+                       .big16(8, maxDescriptors)
+                       .byte(10, kPerformanceTypeWriteSpeed)
                        .dataIn(buffer, allocation)
                        .command,
                    received);

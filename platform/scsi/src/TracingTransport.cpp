@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <mutex>
 
+#include "CommandNames.h"
 #include "scsi/Sense.h"
 
 namespace kivscsi {
@@ -22,7 +23,12 @@ void appendHex(std::string& out, const uint8_t* bytes, size_t count) {
 
 std::string traceLine(const std::string& device, const ScsiCommand& command,
                       const ScsiResponse& response) {
-    std::string line = device + " CDB ";
+    std::string line = device;
+    if (const char* name = command.cdbLength > 0 ? commandName(command.cdb[0]) : nullptr) {
+        line += ' ';
+        line += name;
+    }
+    line += " CDB ";
     appendHex(line, command.cdb.data(), std::min<size_t>(command.cdbLength, kMaxCdbLength));
     char text[64];
     std::snprintf(text, sizeof(text), " -> %04X in %u ms",

@@ -83,6 +83,38 @@ struct DiscInformation {
 // Needs the length field and the status byte (3 bytes); fields beyond what came back are 0.
 SCSI_API std::optional<DiscInformation> decodeDiscInformation(const uint8_t* data, size_t received);
 
+// ---- READ TRACK INFORMATION ----
+struct TrackInformation {
+    uint16_t trackNumber = 0;    // bytes 32 (MSB, 0 when not returned) and 2
+    uint16_t sessionNumber = 0;  // bytes 33 (MSB, 0 when not returned) and 3
+    uint8_t trackMode = 0;       // byte 5, low nibble (the control nibble: 4 data, 5 incremental)
+    uint8_t dataMode = 0;        // byte 6, low nibble (1 mode 1, 2 mode 2, 0x0F unknown)
+    bool blank = false;
+    bool packet = false;  // packet / incremental recording
+    bool fixedPacket = false;
+    bool nextWritableValid = false;  // NWA_V: nextWritableAddress holds an address to write at
+    uint32_t trackStart = 0;         // LBA
+    uint32_t nextWritableAddress = 0;
+    uint32_t freeBlocks = 0;
+    uint32_t fixedPacketSize = 0;  // blocking factor on DVD and BD
+    uint32_t trackSize = 0;        // blocks
+};
+// Needs the 28 bytes up to the end of Track Size inside both limits; the track and session
+// number MSBs count only when bytes 32 and 33 came back too.
+SCSI_API std::optional<TrackInformation> decodeTrackInformation(const uint8_t* data,
+                                                                size_t received);
+
+// ---- GET PERFORMANCE, type 03h (write speeds) ----
+struct WriteSpeedDescriptor {
+    uint32_t endLba = 0;
+    uint32_t readSpeed = 0;   // kB/s
+    uint32_t writeSpeed = 0;  // kB/s
+};
+// The complete 16-byte descriptors after the 8-byte header, in order, as far as both what came
+// back and the header's Performance Data Length reach. Empty when the header is short.
+SCSI_API std::vector<WriteSpeedDescriptor> decodeWriteSpeedDescriptors(const uint8_t* data,
+                                                                       size_t received);
+
 // ---- MODE SENSE(10) ----
 struct ModePage {
     uint8_t pageCode = 0;           // low six bits of the page's first byte

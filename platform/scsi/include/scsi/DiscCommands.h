@@ -1,7 +1,7 @@
-// Commands that ask the drive about its disc: profile and features, media events, disc
-// information, DVD and BD structures, CD ATIP. Every function reads at most `allocation` bytes
-// into `buffer` (REQUIRES: buffer valid for `allocation` bytes) and returns the status
-// (scsi/Status.h). `received`, when given, is set to the bytes the drive really returned
+// Commands that ask the drive about its disc: profile and features, media events, disc and
+// track information, write speeds, DVD and BD structures, CD ATIP. Every function reads at most
+// `allocation` bytes into `buffer` (REQUIRES: buffer valid for `allocation` bytes) and returns the
+// status (scsi/Status.h). `received`, when given, is set to the bytes the drive really returned
 // (allocation minus residual); decoders (scsi/Decoders.h) take that count. The rest of the
 // buffer keeps what it held before the call.
 #pragma once
@@ -29,6 +29,20 @@ SCSI_API Status GetEventStatusNotification(const _SCSI_PATH& path, const char* d
 SCSI_API Status ReadDiscInformation(const _SCSI_PATH& path, const char* deviceName, void* buffer,
                                     uint16_t allocation, uint8_t dataType = 0,
                                     uint32_t* received = nullptr);
+
+// READ TRACK INFORMATION. `addressType` goes in the Address/Number Type field: 0 `address` is
+// an LBA inside the track, 1 a track number (0xFF: the invisible or incomplete track), 2 a
+// session number (its first track).
+SCSI_API Status ReadTrackInformation(const _SCSI_PATH& path, const char* deviceName,
+                                     uint8_t addressType, uint32_t address, void* buffer,
+                                     uint16_t allocation, uint32_t* received = nullptr);
+
+// GET PERFORMANCE with type 03h: the write speeds the drive offers for the loaded disc, at
+// most `maxDescriptors` of them (8-byte header, then 16 bytes each; see
+// decodeWriteSpeedDescriptors).
+SCSI_API Status GetWriteSpeedPerformance(const _SCSI_PATH& path, const char* deviceName,
+                                         uint16_t maxDescriptors, void* buffer, uint16_t allocation,
+                                         uint32_t* received = nullptr);
 
 // READ DISC STRUCTURE for DVD and HD DVD media (media type 0) and for BD media (media type 1).
 // `format` selects the structure (DVD 0x00 physical format, 0x01 copyright, 0x11 ADIP;

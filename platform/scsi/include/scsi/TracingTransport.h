@@ -1,5 +1,7 @@
 // The trace of every command the library sends, one line per command:
-//   "<device> CDB <cdb bytes in hex> -> <status as %04X> in <ms> ms"
+//   "<device> <command name> CDB <cdb bytes in hex> -> <status as %04X> in <ms> ms"
+// (the name, "READ DISC INFORMATION" for example, is left out for an operation code the library
+// does not know)
 // followed by ", residual <n>" when bytes were left untransferred and ", sense <hex>" when the
 // device returned sense data. The library keeps no log of its own: the lines go to the sink
 // its user installs, and nothing is formatted while none is installed or it wants none.
