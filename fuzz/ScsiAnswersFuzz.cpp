@@ -44,6 +44,8 @@ void decodeEverything(const uint8_t* data, size_t size) {
     kivscsi::findFeature(data, size, 0x0107);
     kivscsi::decodeMediaEvent(data, size);
     kivscsi::decodeDiscInformation(data, size);
+    kivscsi::decodeTrackInformation(data, size);
+    kivscsi::decodeWriteSpeedDescriptors(data, size);
     for (uint8_t page : {uint8_t{0x05}, uint8_t{0x2A}, size > 0 ? data[0] : uint8_t{0}}) {
         if (auto found = kivscsi::findModePage(data, size, page)) {
             kivscsi::decodeCurrentWriteSpeed(*found);
@@ -66,6 +68,22 @@ void sendAndDecode(HostileTarget& target) {
     if (received > 512) __builtin_trap();
     const std::vector<uint8_t> answer(buffer.begin(), buffer.begin() + received);
     decodeEverything(answer.data(), answer.size());
+    for (const bool speeds : {false, true}) {
+        received = 0;
+        const kivscsi::Status status =
+            speeds ? kivscsi::GetWriteSpeedPerformance({}, kDeviceName, 8, buffer.data(), 136,
+                                                       &received)
+                   : kivscsi::ReadTrackInformation({}, kDeviceName, 1, 0xFF, buffer.data(), 48,
+                                                   &received);
+        if (received > (speeds ? 136u : 48u)) __builtin_trap();
+        if (status != kivscsi::kStatusGood) continue;
+        const std::vector<uint8_t> exact(buffer.begin(), buffer.begin() + received);
+        if (speeds) {
+            kivscsi::decodeWriteSpeedDescriptors(exact.data(), exact.size());
+        } else {
+            kivscsi::decodeTrackInformation(exact.data(), exact.size());
+        }
+    }
     kivscsi::Capacity capacity;
     kivscsi::ReadCapacity({}, kDeviceName, &capacity);
     (void)target;

@@ -12,6 +12,8 @@ void addReadinessCommands(HandlerTable& table);
 void addConfigurationCommands(HandlerTable& table);
 // READ CAPACITY, READ DISC INFORMATION, READ TOC/PMA/ATIP.
 void addDiscInformationCommands(HandlerTable& table);
+// READ TRACK INFORMATION, GET PERFORMANCE (write speeds).
+void addTrackCommands(HandlerTable& table);
 // READ DISC STRUCTURE.
 void addDiscStructureCommands(HandlerTable& table);
 // MODE SENSE(10), MODE SELECT(10), SET CD SPEED.

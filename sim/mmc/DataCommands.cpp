@@ -1,6 +1,7 @@
 #include "Bytes.h"
 #include "Commands.h"
 #include "ModePages.h"
+#include "WriteParameters.h"
 #include "sim/mmc/Opcodes.h"
 
 namespace sim::mmc {
@@ -68,6 +69,10 @@ Reply write(WriterState& state, const Command& command) {
         return failure(code::kInvalidFieldInCdb);
     }
     Disc& disc = *state.tray.disc();
+    if (state.config.enforceWriteParameters) {
+        const Sense parameters = checkWriteParameters(state.mode, disc);
+        if (!parameters.good()) return failure(parameters);
+    }
     const Sense accepted = disc.acceptWrite(transfer.lba, transfer.count);
     if (!accepted.good()) return failure(accepted);
     for (uint32_t i = 0; i < transfer.count; ++i) {

@@ -13,6 +13,7 @@ constexpr uint8_t kFormatDvdPlusRw = 0x26;
 constexpr uint8_t kFormatBdReWithSpare = 0x30;
 constexpr uint8_t kFormatBdReWithoutSpare = 0x31;
 constexpr uint8_t kFormatBdRWithSpare = 0x32;
+constexpr uint8_t kUsageFill = 0xBD;  // the read/write test's fill byte
 
 bool oneOf(uint8_t value, std::initializer_list<uint8_t> allowed) {
     return std::find(allowed.begin(), allowed.end(), value) != allowed.end();
@@ -25,10 +26,12 @@ Disc::Disc(DiscModel model) : model_(std::move(model)) {
     if (kindRecording == Recording::ReadOnly) {
         complete_ = true;
         recorded_ = model_.capacitySectors;
-        closedSessions_ = 1;
-        closedTracks_ = 1;
         return;
     }
+    if (model_.usageCount && model_.status == DiscStatus::Blank) {
+        model_.status = DiscStatus::Appendable;
+    }
+    if (model_.usageCount) storeUsageMarker(*model_.usageCount);
     if (model_.kind == MediaKind::DvdMinusRw &&
         model_.profile == kProfileDvdMinusRwRestrictedOverwrite) {
         restrictedOverwrite_ = true;
@@ -41,10 +44,19 @@ Disc::Disc(DiscModel model) : model_(std::move(model)) {
     }
     if (model_.status == DiscStatus::Blank) return;
     recorded_ = std::min(model_.recordedSectors, model_.capacitySectors);
-    closedSessions_ = 1;
-    closedTracks_ = 1;
+    if (model_.usageCount) recorded_ = std::max<uint32_t>(recorded_, 1);
     complete_ = model_.status == DiscStatus::Complete;
-    if (!complete_) lastSessionFirstTrack_ = 2;
+    if (!complete_) {
+        trackStarts_.push_back(recorded_);
+        sessionFirstTracks_.push_back(2);
+    }
+}
+
+void Disc::storeUsageMarker(uint16_t count) {
+    std::vector<uint8_t> sector(kSectorBytes, kUsageFill);
+    sector[0] = sector[2] = static_cast<uint8_t>(count >> 8);
+    sector[1] = sector[3] = static_cast<uint8_t>(count);
+    sectors_[0] = std::move(sector);
 }
 
 uint16_t Disc::profile() const {
@@ -69,7 +81,7 @@ DiscStatus Disc::status() const {
             break;
     }
     if (complete_) return DiscStatus::Complete;
-    if (recorded_ == 0 && closedSessions_ == 0) return DiscStatus::Blank;
+    if (recorded_ == 0 && closedSessions() == 0) return DiscStatus::Blank;
     return DiscStatus::Appendable;
 }
 
@@ -101,18 +113,54 @@ uint32_t Disc::readableSectors() const {
     return recorded_;
 }
 
+uint16_t Disc::closedSessions() const {
+    const size_t listed = sessionFirstTracks_.size();
+    return static_cast<uint16_t>(complete_ ? listed : listed - 1);
+}
+
 uint16_t Disc::sessions() const {
     if (recording() != Recording::Sequential) return 1;
-    return static_cast<uint16_t>(closedSessions_ + (complete_ ? 0 : 1));
+    return static_cast<uint16_t>(sessionFirstTracks_.size());
 }
 
 uint16_t Disc::firstTrackInLastSession() const {
-    return recording() == Recording::Sequential ? lastSessionFirstTrack_ : 1;
+    return recording() == Recording::Sequential ? sessionFirstTracks_.back() : 1;
 }
 
 uint16_t Disc::lastTrackInLastSession() const {
     if (recording() != Recording::Sequential) return 1;
-    return static_cast<uint16_t>(closedTracks_ + (complete_ ? 0 : 1));
+    return static_cast<uint16_t>(trackStarts_.size());
+}
+
+std::optional<TrackExtent> Disc::track(uint16_t number) const {
+    if (number == 0 || number > lastTrackInLastSession()) return std::nullopt;
+    TrackExtent extent;
+    extent.number = number;
+    extent.session = 1;
+    if (recording() != Recording::Sequential) {
+        extent.size = model_.capacitySectors;
+        extent.recorded = readableSectors();
+        return extent;
+    }
+    for (size_t i = 1; i < sessionFirstTracks_.size() && sessionFirstTracks_[i] <= number; ++i) {
+        extent.session = static_cast<uint16_t>(i + 1);
+    }
+    extent.start = trackStarts_[number - 1];
+    extent.incomplete = !complete_ && number == trackStarts_.size();
+    const uint32_t end = extent.incomplete              ? model_.capacitySectors
+                         : number < trackStarts_.size() ? trackStarts_[number]
+                                                        : recorded_;
+    extent.size = end - extent.start;
+    extent.recorded = (extent.incomplete ? recorded_ : end) - extent.start;
+    return extent;
+}
+
+std::optional<TrackExtent> Disc::trackHolding(uint32_t lba) const {
+    for (uint16_t number = 1; number <= lastTrackInLastSession(); ++number) {
+        const auto extent = track(number);
+        if (lba >= extent->start && lba - extent->start < extent->size) return extent;
+    }
+    return std::nullopt;
 }
 
 bool Disc::formatsInBackground() const {
@@ -186,22 +234,22 @@ Sense Disc::close(uint8_t function, bool multiSession, uint64_t nowMs) {
     if (function == 1) {
         if (!trackOpen_) return senseOf(code::kCommandSequenceError);
         trackOpen_ = false;
-        ++closedTracks_;
+        trackStarts_.push_back(recorded_);
         return {};
     }
     if (complete_ || !sessionHasData_) return senseOf(code::kCommandSequenceError);
     if (trackOpen_) {
         trackOpen_ = false;
-        ++closedTracks_;
+        trackStarts_.push_back(recorded_);
     }
-    ++closedSessions_;
     sessionHasData_ = false;
     // Function 2 leaves room for another session when the write parameters ask for one;
-    // functions 3 to 6 finalize the disc.
+    // functions 3 to 6 finalize the disc, and the empty track after the last one goes.
     if (function == 2 && multiSession) {
-        lastSessionFirstTrack_ = static_cast<uint16_t>(closedTracks_ + 1);
+        sessionFirstTracks_.push_back(static_cast<uint16_t>(trackStarts_.size()));
     } else {
         complete_ = true;
+        trackStarts_.pop_back();
     }
     return {};
 }
@@ -275,9 +323,8 @@ void Disc::eraseAll() {
     complete_ = false;
     trackOpen_ = false;
     sessionHasData_ = false;
-    closedSessions_ = 0;
-    closedTracks_ = 0;
-    lastSessionFirstTrack_ = 1;
+    trackStarts_ = {0};
+    sessionFirstTracks_ = {1};
 }
 
 }  // namespace sim::mmc

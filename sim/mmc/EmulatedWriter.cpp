@@ -49,6 +49,15 @@ Reply mediumChangeAttention(const Command& command) {
     return answer({data.begin(), data.end()}, command.cdb[4]);
 }
 
+// `disc` with blanking and formatting, in the foreground and the background, ending at once.
+DiscModel untimed(DiscModel disc) {
+    disc.minimalBlankSeconds = 0;
+    disc.fullBlankSeconds = 0;
+    disc.formatSeconds = 0;
+    disc.backgroundFormatSeconds = 0;
+    return disc;
+}
+
 constexpr uint32_t kTracksPerCylinder = 64;
 constexpr uint32_t kSectorsPerTrack = 32;
 
@@ -58,6 +67,7 @@ EmulatedWriter::EmulatedWriter(const WriterConfig& config) : state_(config) {
     addReadinessCommands(handlers_);
     addConfigurationCommands(handlers_);
     addDiscInformationCommands(handlers_);
+    addTrackCommands(handlers_);
     addDiscStructureCommands(handlers_);
     addModeCommands(handlers_);
     addDataCommands(handlers_);
@@ -142,6 +152,7 @@ void EmulatedWriter::execute(const kivscsi::ScsiCommand& command, kivscsi::ScsiR
     }
     history_.push_back(std::move(record));
 
+    if (!state_.config.timed) return;
     unchargedMicroseconds_ += reply.costMicroseconds;
     const uint64_t transferMs = unchargedMicroseconds_ / 1000;
     unchargedMicroseconds_ %= 1000;
@@ -155,8 +166,8 @@ void EmulatedWriter::insertDisc(const DiscModel& disc) {
     std::lock_guard lock(mutex_);
     flushAndDropCache(state_);
     state_.tray.openTray();
-    state_.tray.putDisc(Disc(disc));
-    state_.tray.closeTray(now(), state_.config.spinUpMilliseconds);
+    state_.tray.putDisc(Disc(state_.config.timed ? disc : untimed(disc)));
+    state_.tray.closeTray(now(), spinUpMilliseconds(state_.config));
 }
 
 void EmulatedWriter::removeDisc() {
@@ -170,7 +181,7 @@ bool EmulatedWriter::pressEjectButton() {
     std::lock_guard lock(mutex_);
     Tray& tray = state_.tray;
     if (tray.open()) {
-        tray.closeTray(now(), state_.config.spinUpMilliseconds);
+        tray.closeTray(now(), spinUpMilliseconds(state_.config));
         return true;
     }
     if (tray.prevented()) {

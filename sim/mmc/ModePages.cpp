@@ -16,9 +16,11 @@ std::array<uint8_t, kWriteParametersPageLength> defaultWriteParameters() {
     std::array<uint8_t, kWriteParametersPageLength> page{};
     page[0] = kWriteParametersPage;
     page[1] = kWriteParametersPageLength - 2;
-    page[2] = 0x41;           // BUFE, track at once
-    page[3] = 0x04;           // data track
-    page[4] = 0x08;           // mode 1
+    // Set up for packet writing of mode 2 sectors, as many drives come up: right for DVD-R,
+    // wrong for CD, so a host that never selects its page is caught writing a CD.
+    page[2] = 0x40;           // BUFE, packet / incremental
+    page[3] = 0x05;           // data track, recorded incrementally
+    page[4] = 0x0A;           // mode 2 form 1, 2048 bytes
     putBe16(&page[14], 150);  // audio pause length
     return page;
 }

@@ -46,7 +46,7 @@ Reply startStopUnit(WriterState& state, const Command& command) {
         tray.openTray();
         return {};
     }
-    if (loadEject) tray.closeTray(now, state.config.spinUpMilliseconds);
+    if (loadEject) tray.closeTray(now, spinUpMilliseconds(state.config));
     if (!start) {
         writeToMedium(state, state.cache.takeAllDirty());
         return {};

@@ -40,7 +40,10 @@ TEST_F(WriterTest, WritingAndClosingMoveTheDiscThroughItsStates) {
     for (const LifecycleRow& row : kLifecycles) {
         SCOPED_TRACE(row.name);
         loadWritable(row.kind);
-        ASSERT_EQ(selectWriteParameters(0x41, 0x04), 0u);
+        // BUFE with track at once on CD, incremental on DVD-R.
+        const bool cd = sim::mmc::traitsOf(row.kind).family == sim::mmc::MediaFamily::Cd;
+        const uint8_t writeType = cd ? 0x41 : 0x40;
+        ASSERT_EQ(selectWriteParameters(writeType, 0x04), 0u);
         Status status = 0;
         for (const Step step : row.steps) {
             switch (step) {
@@ -57,7 +60,7 @@ TEST_F(WriterTest, WritingAndClosingMoveTheDiscThroughItsStates) {
                     status = kivscsi::CloseTrackSession(path, kDevice, 5, 0, false);
                     break;
                 case Step::MultiSession:
-                    status = selectWriteParameters(0x41, 0xC4);
+                    status = selectWriteParameters(writeType, 0xC4);
                     break;
             }
         }

@@ -56,6 +56,7 @@ TEST_F(WriterTest, ABlankOnAWorkerKeepsTheDriveBusyForItsTime) {
     DiscModel disc = sim::mmc::discOf(MediaKind::CdRw);
     disc.minimalBlankSeconds = 30;
     loadReady(disc);
+    ASSERT_EQ(selectWriteParameters(0x41, 0x04), 0u);
     ASSERT_EQ(write(0, 10, 1), 0u);
     ASSERT_EQ(kivscsi::CloseFirstSession(path, kDevice, 2), 0u);
     ASSERT_EQ(discInformation().discStatus, 2);

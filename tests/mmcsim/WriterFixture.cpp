@@ -29,6 +29,9 @@ void WriterTest::loadWritable(MediaKind kind, uint32_t capacitySectors) {
     }
     if (capacitySectors != 0) disc.capacitySectors = capacitySectors;
     loadReady(disc);
+    if (sim::mmc::traitsOf(kind).family == sim::mmc::MediaFamily::Cd) {
+        EXPECT_EQ(selectWriteParameters(0x41, 0x04), 0u);  // track at once, data track
+    }
 }
 
 Status WriterTest::testUnitReady() { return kivscsi::TestUnitReady(path, kDevice); }
@@ -95,13 +98,14 @@ uint16_t WriterTest::currentWriteSpeed() {
     return kivscsi::decodeCurrentWriteSpeed(*page).value_or(0);
 }
 
-Status WriterTest::selectWriteParameters(uint8_t byte2, uint8_t byte3) {
+Status WriterTest::selectWriteParameters(uint8_t byte2, uint8_t byte3, uint8_t dataBlockType) {
     Bytes list(8 + 52, 0);
     list[2] = 0x21;
     list[8] = 0x05;
     list[9] = 0x32;
     list[10] = byte2;
     list[11] = byte3;
+    list[12] = dataBlockType;
     return kivscsi::KIVR_SetSenseData10(path, kDevice, 0, list.data(),
                                         static_cast<uint16_t>(list.size()));
 }

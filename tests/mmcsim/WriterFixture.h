@@ -33,7 +33,8 @@ protected:
 public:
     // Inserts `disc` and lets it spin up.
     void loadReady(const DiscModel& disc);
-    // A formatted (or, for write-once kinds, blank) disc of `kind`, ready.
+    // A formatted (or, for write-once kinds, blank) disc of `kind`, ready, with write
+    // parameters that suit it.
     void loadWritable(MediaKind kind, uint32_t capacitySectors = 0);
 
     Status testUnitReady();
@@ -49,8 +50,9 @@ public:
     uint32_t requestSenseCode();
     // The current write speed from the capabilities page; 0 when absent.
     uint16_t currentWriteSpeed();
-    // MODE SELECT of the write parameters page with `byte2` and `byte3` set.
-    Status selectWriteParameters(uint8_t byte2, uint8_t byte3);
+    // MODE SELECT of the write parameters page with `byte2` (write type), `byte3` (track
+    // mode) and the data block type set.
+    Status selectWriteParameters(uint8_t byte2, uint8_t byte3, uint8_t dataBlockType = 8);
 
     static Bytes filled(uint16_t count, uint8_t fill) {
         return Bytes(size_t{count} * sim::mmc::kSectorBytes, fill);

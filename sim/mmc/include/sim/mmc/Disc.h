@@ -24,6 +24,16 @@ enum class SessionState : uint8_t { Empty = 0, Incomplete = 1, Complete = 3 };
 // The BG Format Status field of the disc information.
 enum class BackgroundFormat : uint8_t { None = 0, Stopped = 1, Running = 2, Done = 3 };
 
+// One track as READ TRACK INFORMATION describes it. Addresses and sizes in sectors.
+struct TrackExtent {
+    uint16_t number = 0;
+    uint16_t session = 0;
+    uint32_t start = 0;
+    uint32_t size = 0;        // to the track's end; the incomplete track reaches the disc's end
+    uint32_t recorded = 0;    // sectors written in it
+    bool incomplete = false;  // the track writing appends to (the invisible track while empty)
+};
+
 class Disc {
 public:
     explicit Disc(DiscModel model);
@@ -43,6 +53,11 @@ public:
     uint16_t sessions() const;
     uint16_t firstTrackInLastSession() const;
     uint16_t lastTrackInLastSession() const;
+    // Track `number` (1 to lastTrackInLastSession()); nothing for any other number.
+    std::optional<TrackExtent> track(uint16_t number) const;
+    // The track that holds `lba`, the incomplete track's free space included; nothing past
+    // the last track.
+    std::optional<TrackExtent> trackHolding(uint32_t lba) const;
     // DVD+RW and BD-RE go on formatting in the background after FORMAT UNIT has ended.
     bool formatsInBackground() const;
     BackgroundFormat backgroundFormat(uint64_t nowMs) const;
@@ -72,6 +87,9 @@ public:
 
 private:
     void eraseAll();
+    uint16_t closedSessions() const;
+    // Puts the usage marker of the read/write test in sector 0.
+    void storeUsageMarker(uint16_t count);
     // Erases the disc, which is formatted from now on, and starts a background format.
     void startFormatting(uint64_t backgroundStartMs);
 
@@ -81,9 +99,10 @@ private:
     bool complete_ = false;
     bool trackOpen_ = false;
     bool sessionHasData_ = false;
-    uint16_t closedSessions_ = 0;
-    uint16_t closedTracks_ = 0;
-    uint16_t lastSessionFirstTrack_ = 1;
+    // Sequential: the start of every track and the first track of every session, the
+    // incomplete track and the open session included until the disc is complete.
+    std::vector<uint32_t> trackStarts_{0};
+    std::vector<uint16_t> sessionFirstTracks_{1};
     bool formatted_ = false;            // overwrite mode reached
     bool restrictedOverwrite_ = false;  // DVD-RW formatted for overwriting
     // The last background format: it runs from its start to its end unless stopped.

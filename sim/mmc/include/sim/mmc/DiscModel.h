@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "sim/mmc/MediaKind.h"
@@ -34,6 +35,10 @@ struct DiscModel {
     Msf leadIn{97, 26, 66};      // ATIP start time of lead-in (recordable CDs)
     Msf leadOut{79, 59, 74};     // ATIP last possible start time of lead-out
     uint8_t copyProtection = 0;  // CPST of the copyright structure: 0 none, 1 CSS/CPPM, 2 CPRM
+    // A disc the read/write test has used: sector 0 holds its usage marker (bytes 0-1 the
+    // count big-endian, 2-3 a copy, the rest 0xBD) and at least that sector is recorded. A
+    // Blank status then counts as Appendable (formatted, for overwritable kinds).
+    std::optional<uint16_t> usageCount;
     // Virtual time the long operations take.
     uint32_t minimalBlankSeconds = 60;
     uint32_t fullBlankSeconds = 600;

@@ -19,6 +19,7 @@ inline constexpr uint8_t kReadTocPmaAtip = 0x43;
 inline constexpr uint8_t kGetConfiguration = 0x46;
 inline constexpr uint8_t kGetEventStatusNotification = 0x4A;
 inline constexpr uint8_t kReadDiscInformation = 0x51;
+inline constexpr uint8_t kReadTrackInformation = 0x52;
 inline constexpr uint8_t kSendOpcInformation = 0x54;
 inline constexpr uint8_t kModeSelect10 = 0x55;
 inline constexpr uint8_t kCloseTrackSession = 0x5B;
@@ -26,6 +27,7 @@ inline constexpr uint8_t kModeSense10 = 0x5A;
 inline constexpr uint8_t kBlank = 0xA1;
 inline constexpr uint8_t kRead12 = 0xA8;
 inline constexpr uint8_t kWrite12 = 0xAA;
+inline constexpr uint8_t kGetPerformance = 0xAC;
 inline constexpr uint8_t kReadDiscStructure = 0xAD;
 inline constexpr uint8_t kSetCdSpeed = 0xBB;
 

@@ -41,6 +41,7 @@ inline constexpr uint16_t kNoMediumTrayClosed = 0x3A01;
 inline constexpr uint16_t kNoMediumTrayOpen = 0x3A02;
 inline constexpr uint16_t kRemovalPrevented = 0x5302;
 inline constexpr uint16_t kNoTableOfContents = 0x5700;
+inline constexpr uint16_t kIllegalModeForThisTrack = 0x6400;
 }  // namespace code
 
 struct Sense {

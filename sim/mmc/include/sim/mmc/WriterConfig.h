@@ -18,6 +18,13 @@ struct WriterConfig {
     // NOT READY TO READY CHANGE (6/28/00), as real drives do; INQUIRY, GET CONFIGURATION and
     // GET EVENT STATUS NOTIFICATION pass it by, REQUEST SENSE returns it. Off unless asked for.
     bool unitAttentionOnMediumChange = false;
+    // WRITE on CD-R, CD-RW, DVD-R, DVD-RW (sequential) and DVD-R DL checks the write
+    // parameters page as those drives do, answering 5/64/00 when it does not suit the disc.
+    // The power-on page suits DVD but not CD. Off for hosts that never set the page.
+    bool enforceWriteParameters = true;
+    // When false, nothing takes virtual time: spin-up, data transfer, blank, format and
+    // background format all end at once, so a benchmark measures the host alone.
+    bool timed = true;
 };
 
 }  // namespace sim::mmc

@@ -49,6 +49,11 @@ struct WriterState {
     LongOperation operation;
 };
 
+// Milliseconds from closing the tray on a disc to a ready disc.
+inline uint32_t spinUpMilliseconds(const WriterConfig& config) {
+    return config.timed ? config.spinUpMilliseconds : 0;
+}
+
 // One command as a handler sees it.
 struct Command {
     std::array<uint8_t, 16> cdb{};     // zero past the command block's length
