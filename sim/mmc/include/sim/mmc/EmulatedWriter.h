@@ -12,6 +12,8 @@
 // keepBecomingReadyFor), answering 2/04/01 until then; with unitAttentionOnMediumChange the
 // first command after that answers 6/28/00 once. DVD+RW and BD-RE go on formatting in the
 // background after FORMAT UNIT: the disc information gives the state, REQUEST SENSE the progress.
+// WRITE on CD-R/RW and sequential DVD-R kinds needs a write parameters page that suits the
+// disc (WriterConfig::enforceWriteParameters); the power-on page suits DVD-R but not CD.
 //
 // Time: every delay (spin-up, blank, format, data transfer at the selected speed) passes on
 // the one clock (os::clock()). A command that takes time sleeps on it without holding the
