@@ -1,5 +1,6 @@
 #include "optical/EmulatedWriterText.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "optical/OpticalMedia.h"
@@ -124,6 +125,7 @@ private:
         if (name == "maker" || name == "disc-id") return identifier(name, value);
         if (name == "lead-in" || name == "lead-out") return atip(name, value);
         if (name == "fault") return fault(value);
+        if (name == "speeds") return speeds(value);
         if (name == "stale" || name == "lose" || name == "vanish") return address(name, value);
         return fail("unknown option \"" + std::string(option) + "\"");
     }
@@ -168,6 +170,25 @@ private:
         if (!msf) return fail(std::string(name) + ": expected MM:SS:FF");
         if (!needsDisc(name)) return false;
         (name == "lead-in" ? setup_.disc->leadIn : setup_.disc->leadOut) = *msf;
+        return true;
+    }
+
+    // KBPS[/KBPS]...: kept fastest first, as drives list them.
+    bool speeds(std::string_view value) {
+        if (!needsDisc("speeds")) return false;
+        std::vector<uint16_t> list;
+        std::size_t start = 0;
+        while (start <= value.size()) {
+            const std::size_t slash = std::min(value.find('/', start), value.size());
+            const auto speed = number<uint16_t>(value.substr(start, slash - start));
+            if (!speed || *speed == 0 || *speed == 0xFFFF)
+                return fail("speeds=" + std::string(value) +
+                            ": expected write speeds in kB/s from 1 to 65534, separated by /");
+            list.push_back(*speed);
+            start = slash + 1;
+        }
+        std::sort(list.rbegin(), list.rend());
+        setup_.disc->writeSpeeds = list;
         return true;
     }
 

@@ -10,6 +10,7 @@
 //   uses=N           sector 0 carries the read/write test's usage marker: used N times
 //   maker=ID, disc-id=ID   the manufacturer and media type IDs (DVD, BD)
 //   lead-in=MM:SS:FF, lead-out=MM:SS:FF   the ATIP times (CD)
+//   speeds=KBPS[/KBPS]...   the write speeds the disc allows, in kB/s (default: its kind's)
 //   fault=OP:CODE[@LBA][#N][*TIMES]
 //                    commands OP (read, fua-read: from the medium, write, flush, close,
 //                    blank, format, ready, speed or any) answer the sense code CODE (4 hex digits, ASC and ASCQ), only when

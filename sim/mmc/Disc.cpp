@@ -59,6 +59,11 @@ void Disc::storeUsageMarker(uint16_t count) {
     sectors_[0] = std::move(sector);
 }
 
+std::span<const uint16_t> Disc::writeSpeeds() const {
+    if (!model_.writeSpeeds.empty()) return model_.writeSpeeds;
+    return traits().writeSpeeds;
+}
+
 uint16_t Disc::profile() const {
     if (model_.kind == MediaKind::DvdMinusRw) {
         return restrictedOverwrite_ ? kProfileDvdMinusRwRestrictedOverwrite

@@ -47,7 +47,7 @@ std::vector<uint8_t> writeParametersPage(const ModeState& mode, PageControl cont
 std::vector<uint8_t> capabilitiesPage(const WriterState& state, const Disc* disc,
                                       PageControl control) {
     const std::span<const uint16_t> speeds =
-        disc ? disc->traits().writeSpeeds : std::span<const uint16_t>{};
+        disc ? disc->writeSpeeds() : std::span<const uint16_t>{};
     std::vector<uint8_t> page(kCapabilitiesFixedLength + 4 * speeds.size(), 0);
     page[0] = kCapabilitiesPage;
     page[1] = static_cast<uint8_t>(page.size() - 2);
@@ -100,7 +100,7 @@ bool multiSessionRequested(const ModeState& mode) { return (mode.writeParameters
 
 uint16_t effectiveWriteSpeed(uint16_t requested, const Disc* disc) {
     if (disc == nullptr) return 0;
-    const std::span<const uint16_t> speeds = disc->traits().writeSpeeds;
+    const std::span<const uint16_t> speeds = disc->writeSpeeds();
     if (speeds.empty()) return 0;
     for (const uint16_t speed : speeds) {
         if (speed <= requested) return speed;

@@ -102,7 +102,7 @@ Reply getPerformance(WriterState& state, const Command& command) {
     const Sense readiness = mediumReadiness(state, command.nowMs);
     if (!readiness.good()) return failure(readiness);
     const Disc& disc = *state.tray.disc();
-    const std::span<const uint16_t> speeds = disc.traits().writeSpeeds;
+    const std::span<const uint16_t> speeds = disc.writeSpeeds();
     const size_t count = std::min<size_t>(speeds.size(), be16(&command.cdb[8]));
 
     std::vector<uint8_t> data(kPerformanceHeaderLength + kWriteSpeedDescriptorLength * count, 0);

@@ -37,7 +37,7 @@ TEST(OpticalTextTest, EmulatedWriterTextsSetTheDiscAndTheFaults) {
 
     const auto faults = parse(
         "emu:bd-re,maker=MAKER01,disc-id=E02,fault=write:0C00@300,fault=read:0803#4*2,"
-        "fault=any:0401,stale=9,lose=10,vanish=500,instant");
+        "fault=any:0401,stale=9,lose=10,vanish=500,instant,speeds=4495/8990");
     ASSERT_TRUE(faults) << error;
     EXPECT_EQ(faults->disc->manufacturerId, "MAKER01");
     EXPECT_EQ(faults->disc->discId, "E02");
@@ -59,6 +59,7 @@ TEST(OpticalTextTest, EmulatedWriterTextsSetTheDiscAndTheFaults) {
     EXPECT_EQ(faults->lostWrites, std::vector<uint32_t>{10});
     EXPECT_EQ(faults->vanishAtCommand, 500u);
     EXPECT_FALSE(faults->config.timed);
+    EXPECT_EQ(faults->disc->writeSpeeds, (std::vector<uint16_t>{8990, 4495}));
 
     const struct {
         const char* text;
@@ -76,6 +77,8 @@ TEST(OpticalTextTest, EmulatedWriterTextsSetTheDiscAndTheFaults) {
         {"emu:dvd+r,fault=write:0C00#0", "#N (from 1)"},
         {"emu:dvd+r,fault=write:0C00@x", "take numbers"},
         {"emu:dvd+r,vanish=0", "a command count from 1"},
+        {"emu:dvd+r,speeds=22160/", "expected write speeds in kB/s from 1 to 65534"},
+        {"emu:dvd+r,speeds=65535", "expected write speeds"},
         {"emu:dvd+r,spin", "unknown option \"spin\""},
     };
     for (const auto& c : refused) {

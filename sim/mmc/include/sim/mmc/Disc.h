@@ -40,6 +40,8 @@ public:
 
     const DiscModel& model() const { return model_; }
     const MediaTraits& traits() const { return traitsOf(model_.kind); }
+    // kB/s, fastest first: the model's own list, else the kind's.
+    std::span<const uint16_t> writeSpeeds() const;
     uint16_t profile() const;
     Recording recording() const;
     DiscStatus status() const;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "sim/mmc/MediaKind.h"
 
@@ -39,6 +40,8 @@ struct DiscModel {
     // count big-endian, 2-3 a copy, the rest 0xBD) and at least that sector is recorded. A
     // Blank status then counts as Appendable (formatted, for overwritable kinds).
     std::optional<uint16_t> usageCount;
+    // Write speeds in kB/s, fastest first, when the disc allows others than its kind's.
+    std::vector<uint16_t> writeSpeeds;
     // Virtual time the long operations take.
     uint32_t minimalBlankSeconds = 60;
     uint32_t fullBlankSeconds = 600;
