@@ -187,7 +187,7 @@ TEST_F(DrivediagReportTest, JsonLinesCarryTheSchemaAndTheReportIsOneObjectEach) 
     EXPECT_NE(run.lineWith({"{\"schema\":1,\"type\":\"device\",\"device\":\"sim:1MiB,bad=0+1000,"
                             "cost=5\",\"kind\":\"simulated drive\",\"model\":\"\",\"serial\":\"\","
                             "\"totalSectors\":2048,\"totalBytes\":1048576,\"sectorBytes\":512,"
-                            "\"physicalSectorBytes\":512,\"directIo\":null}"}),
+                            "\"physicalSectorBytes\":512,\"medium\":null,\"directIo\":null}"}),
               "")
         << run.out;
     EXPECT_NE(run.lineWith({"{\"schema\":1,\"type\":\"range\",\"first\":0,\"end\":2048,"

@@ -38,7 +38,9 @@ TEST(SysBlockScanTest, ListsWholeDisksAndSkipsWhatCannotBeTested) {
     sys.write("loop2/size", "2048\n");  // size but no backing file
     sys.write("ram0/size", "8192\n");
     sys.write("zram0/size", "8192\n");
-    sys.write("sr0/size", "0\n");  // an empty optical drive
+    sys.write("sr0/size", "0\n");  // an empty optical drive: listed all the same
+    sys.write("sr0/queue/logical_block_size", "2048\n");
+    sys.write("sr0/device/model", "DVD Writer\n");
     sys.write("sdb/size", "garbage\n");
     sys.write("sdc/size", "1\n");  // no sector size file: 512 assumed
 
@@ -48,11 +50,13 @@ TEST(SysBlockScanTest, ListsWholeDisksAndSkipsWhatCannotBeTested) {
         const char* model;
         uint64_t sizeBytes;
         uint32_t bytesPerSector;
+        bool optical;
     } expected[] = {
-        {"/dev/loop0", "loop: /tmp/disk.img", 1073741824ull, 512},
-        {"/dev/nvme0n1", "", 4096, 4096},
-        {"/dev/sda", "Some Disk 1TB", 1000204886016ull, 512},
-        {"/dev/sdc", "", 512, 512},
+        {"/dev/loop0", "loop: /tmp/disk.img", 1073741824ull, 512, false},
+        {"/dev/nvme0n1", "", 4096, 4096, false},
+        {"/dev/sda", "Some Disk 1TB", 1000204886016ull, 512, false},
+        {"/dev/sdc", "", 512, 512, false},
+        {"/dev/sr0", "DVD Writer", 0, 2048, true},
     };
     ASSERT_EQ(drives.size(), std::size(expected));
     for (std::size_t i = 0; i < drives.size(); ++i) {
@@ -61,6 +65,7 @@ TEST(SysBlockScanTest, ListsWholeDisksAndSkipsWhatCannotBeTested) {
         EXPECT_EQ(drives[i].model, expected[i].model);
         EXPECT_EQ(drives[i].sizeBytes, expected[i].sizeBytes);
         EXPECT_EQ(drives[i].bytesPerSector, expected[i].bytesPerSector);
+        EXPECT_EQ(drives[i].optical, expected[i].optical);
     }
 }
 
