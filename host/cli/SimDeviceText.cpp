@@ -150,11 +150,11 @@ private:
     bool slowSpan(std::string_view value) {
         const std::size_t plus = value.find('+');
         const std::size_t colon = value.find(':');
+        if (plus >= colon || colon == std::string_view::npos)
+            return fail(error_, "slow=" + std::string(value) + ": expected LBA+COUNT:MS");
         const auto first = parseNumber(value.substr(0, plus));
-        const auto count =
-            plus < colon ? parseNumber(value.substr(plus + 1, colon - plus - 1)) : std::nullopt;
-        const auto ms =
-            colon == std::string_view::npos ? std::nullopt : parseNumber(value.substr(colon + 1));
+        const auto count = parseNumber(value.substr(plus + 1, colon - plus - 1));
+        const auto ms = parseNumber(value.substr(colon + 1));
         if (!first || !count || !ms)
             return fail(error_, "slow=" + std::string(value) + ": expected LBA+COUNT:MS");
         if (*count == 0 || *ms == 0 || *ms > kMaxCostMs)
