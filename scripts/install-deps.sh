@@ -4,7 +4,7 @@ set -euo pipefail
 
 # Usage: install-deps.sh [linux]   (linux: only what the native build needs)
 packages=(cmake ninja-build g++ clang clang-format-14 libgtest-dev libgmock-dev googletest libbenchmark-dev libssl-dev
-          ansible-core prometheus libxml2-utils librsvg2-bin)
+          ansible-core prometheus libxml2-utils librsvg2-bin libpng-dev libfreetype-dev fonts-dejavu-core)
 [ "${1:-}" = linux ] || packages+=(g++-mingw-w64-x86-64-posix wine64 wine)
 
 missing=()

@@ -13,6 +13,7 @@
 #include "cli/LibraryRegistration.h"
 #include "cli/LogSession.h"
 #include "cli/ParameterSetup.h"
+#include "cli/PngMap.h"
 #include "cli/ReportFiles.h"
 #include "cli/RunChecks.h"
 #include "cli/RunReport.h"
@@ -20,6 +21,8 @@
 #include "cli/SizeText.h"
 #include "cli/StopRequest.h"
 #include "cli/SurfaceMap.h"
+#include "cli/SurfaceMapLayout.h"
+#include "cli/SvgWriter.h"
 #include "cli/TestTable.h"
 #include "cli/UndoLocation.h"
 #include "cli/UndoRestore.h"
@@ -73,15 +76,23 @@ bool startJournal(const CommandLine& line, const TestDefinition& test, kivrlibdr
     return *journal != nullptr;
 }
 
-// The map of the range the test settled on (the whole drive when it never did).
+// The map of the range the test settled on (the whole drive when it never did), as PNG when the
+// file's name ends in .png, else as SVG.
 bool writeSurfaceMap(const std::string& path, const DeviceHeader& header, const RunSummary& summary,
                      std::string* error) {
     const ReadTimes unread(header.totalSectors);
     const ReadTimes& times = summary.readTimes != nullptr ? *summary.readTimes : unread;
     const uint64_t first = summary.range ? summary.range->first : 0;
     const uint64_t end = summary.range ? summary.range->end : header.totalSectors;
-    return writeReportFile(
-        path, surfaceMapSvg(SurfaceMap(times, first, end), times, header, summary), error);
+    const MapDrawing drawing =
+        surfaceMapDrawing(SurfaceMap(times, first, end), times, header, summary);
+    if (!namesPngFile(path)) return writeReportFile(path, svgDocument(drawing), error);
+    std::string png;
+    if (!pngDocument(drawing, &png, error)) {
+        *error = "cannot write " + path + ": " + *error;
+        return false;
+    }
+    return writeReportFile(path, png, error);
 }
 
 // The --bad-blocks, --metrics and --map files of a finished run. False when one could not be
@@ -139,6 +150,10 @@ int runTest(const CommandLine& line, const Console& console) {
         return usageError(console,
                           "--map FILE draws the sectors a test reads; the checksum test "
                           "reads files");
+    if (line.surfaceMapFile && namesPngFile(*line.surfaceMapFile) && !pngMapsAvailable())
+        return usageError(console, "--map " + *line.surfaceMapFile +
+                                       ": this drivediag was built without libpng and draws "
+                                       "maps only as SVG; name the file .svg");
     ParameterValues parameters;
     if (!applyParameters(*test, sets, &parameters, &error)) return usageError(console, error);
     if (!test->onMedium) {

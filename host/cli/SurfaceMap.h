@@ -5,10 +5,8 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
-#include "cli/RunReport.h"
 #include "drives/ReadTimes.h"
 
 namespace host {
@@ -34,13 +32,5 @@ private:
     uint64_t sectorsPerBlock_ = 1;
     std::vector<TimeClass> cells_;
 };
-
-// The fill colour of a time class ("#1a9850").
-const char* classColour(TimeClass timeClass);
-
-// The map as an SVG document: a title with the device and the result, the cells with row
-// labels in sectors and gigabytes, and a legend with each class's read count.
-std::string surfaceMapSvg(const SurfaceMap& map, const ReadTimes& times, const DeviceHeader& header,
-                          const RunSummary& summary);
 
 }  // namespace host
