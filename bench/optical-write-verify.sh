@@ -16,11 +16,13 @@ speed_kbps=22160
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# Runs one whole-disc test; prints its wall time in milliseconds and leaves its JSON in $work.
+# Runs one whole-disc test; prints its wall time in milliseconds and leaves its JSON in $work and
+# its processor time (user and system seconds) in $work/cpu.
 timed_run() {  # <device>
     local start end
     start=$(date +%s%N)
-    "$drivediag" run read-write --device "$1" --sectors "$sectors" --json > "$work/run.json"
+    /usr/bin/time -f "%U %S" -o "$work/cpu" \
+        "$drivediag" run read-write --device "$1" --sectors "$sectors" --json > "$work/run.json"
     end=$(date +%s%N)
     grep -q '"type":"summary","test":"read-write","result":"PASS"' "$work/run.json" || {
         echo "optical-write-verify: the run on $1 did not pass" >&2
@@ -37,9 +39,11 @@ moved_sectors() {  # sectors written plus sectors read, from the summary
 
 instant_ms=$(timed_run "emu:dvd+rw,instant,speeds=$speed_kbps")
 moved=$(moved_sectors)
-awk -v ms="$instant_ms" -v n="$moved" 'BEGIN {
-    printf "no-cost writer: %d sectors written and read in %.2f s, %.3f us per sector\n",
-        n, ms / 1000, ms * 1000 / n }'
+read -r user system < "$work/cpu"
+awk -v ms="$instant_ms" -v n="$moved" -v user="$user" -v sys="$system" 'BEGIN {
+    cpu = user + sys
+    printf "no-cost writer: %d sectors written and read in %.2f s (%.2f s of processor time): %.3f us per sector of wall time, %.3f us of processor time\n",
+        n, ms / 1000, cpu, ms * 1000 / n, cpu * 1000000 / n }'
 
 timed_ms=$(timed_run "emu:dvd+rw,speeds=$speed_kbps")
 awk -v ms="$timed_ms" -v s="$sectors" -v kbps="$speed_kbps" 'BEGIN {
