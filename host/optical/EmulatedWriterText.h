@@ -13,9 +13,9 @@
 //   speeds=KBPS[/KBPS]...   the write speeds the disc allows, in kB/s (default: its kind's)
 //   fault=OP:CODE[@LBA][#N][*TIMES]
 //                    commands OP (read, fua-read: from the medium, write, flush, close,
-//                    blank, format, ready, speed or any) answer the sense code CODE (4 hex digits, ASC and ASCQ), only when
-//                    they touch LBA, from the Nth one; TIMES commands (default: every one from
-//                    then on with @LBA, one without), 0 for every one
+//                    blank, format, ready, speed or any) answer the sense code CODE (4 hex digits,
+//                    ASC and ASCQ), only when they touch LBA, from the Nth one; TIMES commands
+//                    (default: every one from then on with @LBA, one without), 0 for every one
 //   stale=LBA        after each cache flush the cache holds stale data for LBA
 //   lose=LBA         writes to LBA never reach the disc
 //   vanish=N         the drive goes away at its Nth command
