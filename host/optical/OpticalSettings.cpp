@@ -1,5 +1,7 @@
 #include "optical/OpticalSettings.h"
 
+#include <algorithm>
+
 #include "optical/OpticalMedia.h"
 
 namespace host {
@@ -34,8 +36,11 @@ unsigned int OpticalParameters::mediaUsageLimitNumber() {
 }
 
 QuelString OpticalStrings::mediaName() {
-    const OpticalMedium* medium = mediumOfProfile(drive_.currentProfile());
-    return quelText(medium ? medium->name : mediaAskedFor(options_));
+    const uint16_t profile = drive_.currentProfile();
+    const OpticalMedium* medium = mediumOfProfile(profile);
+    const bool wanted = std::find(options_.profiles.begin(), options_.profiles.end(), profile) !=
+                        options_.profiles.end();
+    return quelText(medium != nullptr && wanted ? medium->name : mediaAskedFor(options_));
 }
 
 QuelString OpticalStrings::promptTitle() { return quelText(options_.promptTitle); }

@@ -45,7 +45,8 @@ public:
     OpticalStrings(const OpticalOptions& options, HostOpticalDrive& drive)
         : options_(options), drive_(drive) {}
 
-    // The kind of the disc in the drive ("DVD+RW"); the kinds asked for when there is none.
+    // The media the test needs, as the library asks: the kind of the disc in the drive when it is
+    // one of them ("DVD+RW"), else the kinds asked for ("DVD+RW or BD-RE", "writable disc").
     QuelString mediaName() override;
     QuelString promptTitle() override;
     QuelString customerName() override;

@@ -116,7 +116,18 @@ TEST_F(OpticalRunTest, DiscsTheTestRefusesAndWriterFaultsEndWithTheirExitCodeAnd
         int exitCode;
         const char* event;  // the key and first variables of an event the run raises
     } cases[] = {
-        {"emu:dvd-rom", {}, "INCORRECTMEDIA", 11, nullptr},
+        {"emu:dvd-rom",
+         {},
+         "INCORRECTMEDIA",
+         11,
+         "\"key\":\"INCORRECT_MEDIA_INSERTED\",\"text\":\"The media in the drive is not the one "
+         "needed: insert writable disc (writable disc).\""},
+        {"emu:dvd+r",
+         {"--media", "dvd+rw,bd-re"},
+         "INCORRECTMEDIA",
+         11,
+         "\"text\":\"The media in the drive is not the one needed: insert DVD+RW or BD-RE (DVD+RW "
+         "or BD-RE).\""},
         {"emu:none", {}, "NOMEDIA", 12, "\"key\":\"ERROR_NO_MEDIA\""},
         {"emu:dvd+r,closed",
          {},
