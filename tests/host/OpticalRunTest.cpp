@@ -173,7 +173,7 @@ TEST_F(OpticalRunTest, DiscsTheTestRefusesAndWriterFaultsEndWithTheirExitCodeAnd
         {"emu:dvd+rw,stale=1", {}, "PASS", 0, nullptr},
         // More sectors than the writer's cache holds, so the verify reads reach the medium.
         {"emu:dvd+rw,lose=20", {"--sectors", "2048"}, "FAIL", 1, nullptr},
-        {"emu:dvd+rw,vanish=60", {}, "FAIL", 1, nullptr},
+        {"emu:dvd+rw,vanish=60", {"--sectors", "2048"}, "FAIL", 1, "\"ScsiError1\":\"AB10\""},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.device);
