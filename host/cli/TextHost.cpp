@@ -17,7 +17,9 @@ void TextHost::runStarting(const RunDescription& run) {
     std::string line = "Running " + run.test + " on " + run.device;
     if (!run.parameters.empty()) {
         line += " with";
-        for (const auto& [key, value] : run.parameters) line += " " + key + "=" + value;
+        // An option that is a flag (the read-write test's --blank-only) stands alone.
+        for (const auto& [key, value] : run.parameters)
+            line += " " + key + (value.empty() && key.rfind("--", 0) == 0 ? "" : "=" + value);
     }
     printLine(line);
     startPass();

@@ -204,6 +204,9 @@ TEST_F(OpticalRunTest, CtrlCStopsTheRunAndErasesTheDiscWhenAskedTo) {
         const RunOutput output = run(extra);
         EXPECT_EQ(output.exitCode, 4) << output.out << output.err;
         EXPECT_EQ(output.result(), "USERABORTED (exit code 4)");
+        EXPECT_EQ(output.lines.front(), std::string("Running read-write on ") + kWriterName +
+                                            " with --sectors=64" +
+                                            (eraseAfter ? " --erase-after" : ""));
         // The stop is seen before the next write.
         EXPECT_EQ(writes, 3);
         bool blanked = false;
