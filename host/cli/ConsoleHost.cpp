@@ -35,6 +35,12 @@ std::string eventMessage(const quel5::Event& event) {
     return fillPlaceholders(text.empty() ? std::string_view(key) : text, event.variables());
 }
 
+std::unique_ptr<ConsoleHost> makeConsoleHost(bool json, std::ostream& out, PromptAnswer answer,
+                                             bool terminal) {
+    if (json) return std::make_unique<JsonHost>(out, answer);
+    return std::make_unique<TextHost>(out, answer, terminal);
+}
+
 int messageBoxAnswer(PromptAnswer answer, unsigned int buttons) {
     // The buttons' codes are those of the Windows message box: 0 OK, 1 OK/Cancel, 2
     // Abort/Retry/Ignore, 3 Yes/No/Cancel, 4 Yes/No, 5 Retry/Cancel. --yes presses the button

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -37,6 +38,13 @@ std::string eventMessage(const quel5::Event& event);
 int messageBoxAnswer(PromptAnswer answer, unsigned int buttons);
 // "OK", "CANCEL", "YES", ... for a MessageBox2_Answer.
 std::string answerName(int answer);
+
+class ConsoleHost;
+
+// The host a run reports through: JSON lines or text for a person (redrawn in place on a
+// terminal).
+std::unique_ptr<ConsoleHost> makeConsoleHost(bool json, std::ostream& out, PromptAnswer answer,
+                                             bool terminal);
 
 class ConsoleHost : public quel5::Host {
 public:

@@ -191,12 +191,8 @@ int runTest(const CommandLine& line, const Console& console) {
         return kExitUndoJournal;
     }
 
-    std::unique_ptr<ConsoleHost> host;
-    if (line.json) {
-        host = std::make_unique<JsonHost>(console.out, line.answer);
-    } else {
-        host = std::make_unique<TextHost>(console.out, line.answer, console.terminal);
-    }
+    const std::unique_ptr<ConsoleHost> host =
+        makeConsoleHost(line.json, console.out, line.answer, console.terminal);
     RunScope scope(*host);
     host->runStarting({test->name, deviceText, parameters});
     const DeviceHeader header = describeDevice(*opened.opened.drive, deviceText);

@@ -226,6 +226,7 @@ private:
         planted.sense = sim::mmc::senseOf(*code);
         planted.times = 1;
         rest = rest.substr(marks);
+        std::optional<uint32_t> times;
         while (!rest.empty()) {
             const char mark = rest[0];
             const std::size_t next = std::min(rest.find_first_of("@#*", 1), rest.size());
@@ -237,11 +238,10 @@ private:
                 planted.times = 0;
             }
             if (mark == '#') planted.skip = *amount - 1;
-            if (mark == '*') timesGiven_ = *amount;
+            if (mark == '*') times = *amount;
             rest = rest.substr(next);
         }
-        if (timesGiven_) planted.times = *timesGiven_;
-        timesGiven_.reset();
+        if (times) planted.times = *times;
         setup_.faults.push_back(planted);
         return true;
     }
@@ -249,7 +249,6 @@ private:
     std::string* error_;
     std::string text_;
     EmulatedWriterSetup setup_;
-    std::optional<uint32_t> timesGiven_;
 };
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "libDrive/Exceptions.h"
+#include "optical/OpticalMedia.h"
 #include "os/Clock.h"
 #include "scsi/DiscCommands.h"
 #include "scsi/UnitCommands.h"
@@ -18,7 +19,7 @@ constexpr uint16_t kDvdMinusRwOverwrite = 0x0013, kDvdMinusRwSequential = 0x0014
 constexpr uint16_t kDvdMinusRDualLayer = 0x0015, kDvdMinusRDualLayerJump = 0x0016;
 constexpr uint16_t kDvdPlusRw = 0x001A, kDvdPlusR = 0x001B, kDvdPlusRDualLayer = 0x002B;
 constexpr uint16_t kBdRSequential = 0x0041, kBdRRandom = 0x0042, kBdRe = 0x0043;
-constexpr uint16_t kHdDvdRam = 0x0052, kHdDvdRw = 0x0053;
+constexpr uint16_t kHdDvdRam = 0x0052;
 // Written in place rather than appended to.
 constexpr std::initializer_list<uint16_t> kOverwritable = {kDvdRam, kDvdMinusRwOverwrite,
                                                            kDvdPlusRw, kBdRe, kHdDvdRam};
@@ -41,6 +42,22 @@ constexpr uint8_t kFormatDvdPlusRw = 0x26;
 constexpr uint8_t kFormatBdReWithSpare = 0x30;
 constexpr uint8_t kFormatFull = 0x00;
 constexpr uint8_t kFormatDescriptorLength = 8;
+
+// The format type of a quick format of a disc of `profile`; nothing for the kinds that are
+// blanked or never formatted.
+std::optional<uint8_t> quickFormatType(uint16_t profile) {
+    switch (profile) {
+        case kDvdPlusRw:
+            return kFormatDvdPlusRw;
+        case kBdRe:
+            return kFormatBdReWithSpare;
+        case kDvdRam:
+        case kHdDvdRam:
+            return kFormatFull;
+        default:
+            return std::nullopt;
+    }
+}
 
 constexpr uint32_t kBecomingReady = 0x0401;
 constexpr uint32_t kReadyPollMs = 250;
@@ -89,8 +106,8 @@ bool HostOpticalDrive::DvdplusrDLDisc() { return profileIs({kDvdPlusRDualLayer})
 bool HostOpticalDrive::BdrDisc() { return profileIs({kBdRSequential, kBdRRandom}); }
 bool HostOpticalDrive::BdreDisc() { return profileIs({kBdRe}); }
 bool HostOpticalDrive::RWDisc() {
-    return profileIs({kCdRw, kDvdMinusRwOverwrite, kDvdMinusRwSequential, kDvdPlusRw, kDvdRam,
-                      kBdRe, kHdDvdRam, kHdDvdRw});
+    const OpticalMedium* medium = mediumOfProfile(currentProfile());
+    return medium != nullptr && medium->rewritable;
 }
 
 void HostOpticalDrive::setWriteParameters() {
@@ -139,14 +156,11 @@ void HostOpticalDrive::setSpeed(unsigned int speed) {
     WindowsOpticalDrive::setSpeed(speed);
 }
 
-kivrlibdrive::tag_CBlankingThreadParms HostOpticalDrive::quickFormat() {
+kivrlibdrive::tag_CBlankingThreadParms HostOpticalDrive::quickFormat(uint8_t formatType) {
     kivrlibdrive::tag_CBlankingThreadParms parms{};
     parms.formatList[3] = kFormatDescriptorLength;
     std::memset(parms.formatList + 4, 0xFF, 4);  // as many blocks as the disc holds
-    const uint8_t type = BdreDisc()                        ? kFormatBdReWithSpare
-                         : profileIs({kDvdRam, kHdDvdRam}) ? kFormatFull
-                                                           : kFormatDvdPlusRw;
-    parms.formatList[8] = static_cast<uint8_t>(type << 2);
+    parms.formatList[8] = static_cast<uint8_t>(formatType << 2);
     parms.deviceName = deviceName;
     parms.scsiPath = scsiPath;
     return parms;
@@ -154,16 +168,18 @@ kivrlibdrive::tag_CBlankingThreadParms HostOpticalDrive::quickFormat() {
 
 void HostOpticalDrive::formatDisc(unsigned int expectedSeconds, unsigned int startPercent,
                                   unsigned int endPercent) {
-    kivrlibdrive::tag_CBlankingThreadParms parms = quickFormat();
+    kivrlibdrive::tag_CBlankingThreadParms parms =
+        quickFormat(quickFormatType(currentProfile()).value_or(kFormatDvdPlusRw));
     formatDiscImp(&parms, expectedSeconds, startPercent, endPercent);
 }
 
 void HostOpticalDrive::prepareForWrite() {
     WindowsOpticalDrive::prepareForWrite();
-    if (!(DvdplusrwDisc() || BdreDisc() || profileIs({kDvdRam, kHdDvdRam})) || !emptyDisc()) return;
+    const std::optional<uint8_t> formatType = quickFormatType(currentProfile());
+    if (!formatType || !emptyDisc()) return;
     // On the test thread: the foreground part of a quick format takes seconds, and the test's
     // bar belongs to the writing that follows.
-    kivrlibdrive::tag_CBlankingThreadParms parms = quickFormat();
+    kivrlibdrive::tag_CBlankingThreadParms parms = quickFormat(*formatType);
     formatThread(&parms);
     if (parms.status != 0) throw kivrlibdrive::TestFailedException(parms.status);
 }

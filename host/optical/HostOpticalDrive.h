@@ -70,8 +70,8 @@ public:
 
 private:
     bool profileIs(std::initializer_list<uint16_t> profiles);
-    // The FORMAT UNIT parameters of a quick format of the disc in the drive.
-    kivrlibdrive::tag_CBlankingThreadParms quickFormat();
+    // The FORMAT UNIT parameters of a format of type `formatType` of the disc in the drive.
+    kivrlibdrive::tag_CBlankingThreadParms quickFormat(uint8_t formatType);
     // The track the next write goes to (the invisible or incomplete one).
     std::optional<kivscsi::TrackInformation> trackToWrite(uint32_t* status) const;
 

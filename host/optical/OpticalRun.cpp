@@ -116,12 +116,8 @@ OpticalOutcome runOpticalTest(const CommandLine& line, const Console& console) {
     OpticalParameters parameters(*options);
     OpticalStrings strings(*options, drive);
 
-    std::unique_ptr<ConsoleHost> host;
-    if (line.json) {
-        host = std::make_unique<JsonHost>(console.out, line.answer);
-    } else {
-        host = std::make_unique<TextHost>(console.out, line.answer, console.terminal);
-    }
+    const std::unique_ptr<ConsoleHost> host =
+        makeConsoleHost(line.json, console.out, line.answer, console.terminal);
     RunScope scope(*host);
     host->runStarting({"read-write", deviceText, line.opticalOptions});
     OpticalOutcome outcome;

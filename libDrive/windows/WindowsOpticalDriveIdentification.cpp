@@ -72,30 +72,36 @@ kiv::String WindowsOpticalDrive::getDiscID() {
     return id;
 }
 
-kiv::String WindowsOpticalDrive::getBLUERAYDiscManufacturerID() {
-    uint8_t answer[kBdStructureBytes] = {};
+// Reads the BD's disc information structure into `answer`; a failure is logged at
+// `failureLine` with `failureText` (followed by the status when `withStatus`) and thrown.
+static void readBdIdentification(const _SCSI_PATH& path, const char* deviceName,
+                                 uint8_t (&answer)[kBdStructureBytes], int failureLine,
+                                 const kiv::String& failureText, bool withStatus) {
+    std::memset(answer, 0, sizeof(answer));
     const kivscsi::Status status = kivscsi::ReadBdStructure(
-        scsiPath, deviceName, 0, 0, kBdDiscInformation, answer, sizeof(answer), 0);
+        path, deviceName, 0, 0, kBdDiscInformation, answer, sizeof(answer), 0);
     if (status != 0) {
-        optical::log(4, 1339,
-                     kiv::String(L"Failed Reading Blue Ray disc Structure for Manufacturer id. "
-                                 L"Error Code: ") +
-                         kiv::String::fromNumber(status));
+        optical::log(4, failureLine,
+                     withStatus ? failureText + kiv::String::fromNumber(status) : failureText);
         throw FailedRetrivingADIPInfo(L"Cannot retrieve ADIP info.");
     }
+}
+
+kiv::String WindowsOpticalDrive::getBLUERAYDiscManufacturerID() {
+    uint8_t answer[kBdStructureBytes];
+    readBdIdentification(scsiPath, deviceName, answer, 1339,
+                         L"Failed Reading Blue Ray disc Structure for Manufacturer id. "
+                         L"Error Code: ",
+                         true);
     const kiv::String id = identifier(answer + 104, 6);
     optical::log(1, 1354, kiv::String(L"Manufacturer Id : ") + id);
     return id;
 }
 
 kiv::String WindowsOpticalDrive::getBLUERAYDiscID() {
-    uint8_t answer[kBdStructureBytes] = {};
-    const kivscsi::Status status = kivscsi::ReadBdStructure(
-        scsiPath, deviceName, 0, 0, kBdDiscInformation, answer, sizeof(answer), 0);
-    if (status != 0) {
-        optical::log(4, 1376, L"Failed Reading BlueRay Disc Structure for Disc id");
-        throw FailedRetrivingADIPInfo(L"Cannot retrieve ADIP info.");
-    }
+    uint8_t answer[kBdStructureBytes];
+    readBdIdentification(scsiPath, deviceName, answer, 1376,
+                         L"Failed Reading BlueRay Disc Structure for Disc id", false);
     const kiv::String id = identifier(answer + 110, 3);
     optical::log(1, 1393, kiv::String(L"Disc Id : ") + id);
     return id;
