@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "kiv/Exception.h"
@@ -28,6 +29,8 @@ inline void setParameter(const char* key, const char* text) {
         << key << "=" << text << ": " << error.toUtf8();
 }
 
+using Parameters = std::vector<std::pair<const char*, const char*>>;
+
 // Installs a recording host (every parameter cleared), a virtual clock and a memory log that
 // takes every priority, and undoes all three afterwards.
 class DriveTestFixture : public ::testing::Test {
@@ -42,6 +45,13 @@ protected:
     }
 
     static void set(const char* key, const char* text) { setParameter(key, text); }
+    // Forgets every parameter, report and log line, then sets `parameters`.
+    void setAll(const Parameters& parameters = {}) {
+        quel5::Registry::instance().clearAllParameters();
+        host.clear();
+        clearLog();
+        for (const auto& [key, text] : parameters) set(key, text);
+    }
 
     // Messages written to `logger` at `priority`, in order.
     std::vector<std::string> logged(const char* logger, int priority) const {

@@ -93,8 +93,6 @@ public:
     static uint32_t SeedDrawing(uint64_t offset, uint64_t span);
 };
 
-using Parameters = std::vector<std::pair<const char*, const char*>>;
-
 // One way out of a pass. Unset callbacks change nothing; empty parameters are the table's own.
 struct ExitCase {
     const char* name = "";
@@ -149,12 +147,9 @@ protected:
     // Forgets every parameter, report, stop script, log line and seed drawn, then sets
     // `parameters`.
     void reset(const Parameters& parameters) {
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
+        setAll(parameters);
         host.neverStop();
-        clearLog();
         SeedScript::restart();
-        for (const auto& [key, text] : parameters) set(key, text);
     }
     // Runs a `TestClass` on `drive`: on the range of the parameters, or on `range` when given.
     quel5::TestResult run(kivrlibdrive::Drive& drive,
