@@ -56,7 +56,6 @@ TEST_F(RangeTest, ValidTextsAndAmounts) {
     const ValidCase cases[] = {
         {"defaults, no amount wanted", 1000000, 512, false, false, {}, {0, 1000000, 1000000, 1, 0, 100}},
         {"MB at 512 bytes", 1000000, 512, false, false, {"MIN+1MB"}, {2048, 1000000, 997952, 1, 0, 100}},
-        {"MB at 4096 bytes", 1000000, 4096, false, false, {"MIN+1MB"}, {256, 1000000, 999744, 1, 0, 100}},
         {"KB", 1000000, 512, false, false, {"MIN+3KB"}, {6, 1000000, 999994, 1, 0, 100}},
         {"KB below one sector", 1000000, 4096, false, false, {"MIN+3KB"}, {0, 1000000, 1000000, 1, 0, 100}},
         {"GB below the end", 4194304, 512, false, false, {"MAX-1GB"}, {2097152, 4194304, 2097152, 1, 0, 100}},
@@ -64,7 +63,6 @@ TEST_F(RangeTest, ValidTextsAndAmounts) {
         {"percent below the end", 1000000, 512, false, false, {"MAX-10%"}, {900000, 1000000, 100000, 1, 0, 100}},
         {"end at 100 percent", 1000000, 512, false, false, {"0", "100%"}, {0, 1000000, 1000000, 1, 0, 100}},
         {"start 0 percent", 1000, 512, false, false, {"0%", "1%"}, {0, 10, 10, 1, 0, 100}},
-        {"start 99 percent", 1000, 512, false, false, {"99%"}, {990, 1000, 10, 1, 0, 100}},
         {"percent rounded down once", 1234, 512, false, false, {"10%", "MAX-1%"}, {123, 1222, 1099, 1, 0, 100}},
         {"leading zeros", 1000000, 512, false, false, {"0010", "MIN+007%"}, {10, 70000, 69990, 1, 0, 100}},
         {"blanks inside and around", 1000000, 512, false, false, {"  MIN +  10% ", "MAX - 5"}, {100000, 999995, 899995, 1, 0, 100}},
@@ -83,7 +81,7 @@ TEST_F(RangeTest, ValidTextsAndAmounts) {
     // clang-format on
     for (const ValidCase& c : cases) {
         SCOPED_TRACE(c.name);
-        quel5::Registry::instance().clearAllParameters();
+        setAll();
         apply(c.setting);
         try {
             const CRange range(c.total, c.bytesPerSector, c.allowPercent, c.allowSeeks);
@@ -96,8 +94,8 @@ TEST_F(RangeTest, ValidTextsAndAmounts) {
         } catch (const kiv::Exception& failure) {
             ADD_FAILURE() << "threw: " << failure.getMessage().toUtf8();
         }
+        EXPECT_TRUE(host.events().empty());
     }
-    EXPECT_TRUE(host.events().empty());
 }
 
 struct BadTextCase {
@@ -123,9 +121,7 @@ TEST_F(RangeTest, MalformedTextsAreRefusedWithTheParameterNamed) {
     // clang-format on
     for (const BadTextCase& c : cases) {
         SCOPED_TRACE(c.name);
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        clearLog();
+        setAll();
         set(c.parameter, c.text.c_str());
         try {
             CRange range(1000000, 512, false, false);
@@ -164,8 +160,7 @@ TEST_F(RangeTest, NoUsableAmountIsAnInvalidRange) {
     // clang-format on
     for (const AmountCase& c : cases) {
         SCOPED_TRACE(c.name);
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
+        setAll();
         apply(c.setting);
         try {
             CRange range(1000, 512, c.allowPercent, c.allowSeeks);
@@ -188,7 +183,7 @@ TEST_F(RangeTest, SmallestUsablePercentage) {
     } cases[] = {{1e-7, true}, {0.5e-7, false}, {0.0, false}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.percent);
-        quel5::Registry::instance().clearAllParameters();
+        setAll();
         kivrlibdrive::g_SectorPercentToTest->setValue(quel5::Value::percent(c.percent));
         bool accepted = false;
         try {
@@ -231,8 +226,7 @@ TEST_F(RangeTest, EndNotAboveStartIsAnInvalidRange) {
     // clang-format on
     for (const OrderCase& c : cases) {
         SCOPED_TRACE(c.name);
-        quel5::Registry::instance().clearAllParameters();
-        clearLog();
+        setAll();
         apply(c.setting);
         try {
             CRange range(c.total, 512, false, false);
@@ -243,8 +237,8 @@ TEST_F(RangeTest, EndNotAboveStartIsAnInvalidRange) {
         }
         EXPECT_EQ(logged("libDrive.Range", 4), c.warnings);
         EXPECT_TRUE(wasLogged("libDrive.Range", 1, c.startWorkedOut));
+        EXPECT_TRUE(host.events().empty());
     }
-    EXPECT_TRUE(host.events().empty());
 }
 
 struct LargeDriveCase {
@@ -276,7 +270,7 @@ TEST_F(RangeTest, LargeDrivesTakeTheirOwnTexts) {
     // clang-format on
     for (const LargeDriveCase& c : cases) {
         SCOPED_TRACE(c.name);
-        quel5::Registry::instance().clearAllParameters();
+        setAll();
         set("StartRange", "100");
         set("EndRange", "200");
         if (c.adjust) set("AdjustForLargeDrives", c.adjust);
@@ -304,8 +298,7 @@ TEST_F(RangeTest, LargeDriveTextsAreNotCheckedAgainstTheRangePatterns) {
 
     // The evaluation refuses what it cannot take apart, however long.
     for (const std::string& text : {std::string("ten percent"), std::string(30000, '1')}) {
-        quel5::Registry::instance().clearAllParameters();
-        clearLog();
+        setAll();
         set("AdjustForLargeDrives", "true");
         set("LargeDriveSize", "1");
         set("LargeDriveEndRange", text.c_str());
@@ -340,9 +333,7 @@ TEST_F(RangeTest, AmountsBeyondSixtyFourBitsAreAnInvalidRangeNotAWrap) {
     // clang-format on
     for (const OverflowCase& c : cases) {
         SCOPED_TRACE(c.name);
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        clearLog();
+        setAll();
         set("AdjustForLargeDrives", "true");
         set("LargeDriveSize", "1");
         set(c.parameter, c.text.c_str());
@@ -365,8 +356,7 @@ TEST_F(RangeTest, AmountsThatStillFitSixtyFourBitsAreClampedAtTheEnd) {
     for (const char* text : {"17179869183GB", "8589934592GB", "8589934591GB",
                              "18446744073709551615", "17592186044415MB"}) {
         SCOPED_TRACE(text);
-        quel5::Registry::instance().clearAllParameters();
-        clearLog();
+        setAll();
         set("EndRange", text);
         const CRange range(kSectors, 512, false, false);
         EXPECT_EQ(range.GetEndRange(), kSectors);
@@ -380,7 +370,7 @@ TEST_F(RangeTest, AmountsThatStillFitSixtyFourBitsAreClampedAtTheEnd) {
 TEST_F(RangeTest, WholeRangeOfAHugeDriveIsTestedWithAJumpOfOne) {
     for (const uint64_t total : {std::numeric_limits<uint64_t>::max(), uint64_t{1} << 63}) {
         SCOPED_TRACE(total);
-        quel5::Registry::instance().clearAllParameters();
+        setAll();
         set("StartRange", "711");
         const CRange range(total, 4096, false, false);
         // Within the double's rounding below the span, never above it.
