@@ -159,8 +159,6 @@ TEST_F(FunnelSeek, StopRequestsAreSeenAtReports) {
     const StopCase cases[] = {
         {"first report", 0, {}, {}, TestResult::USERABORTED, 2 * 52},
         {"past half-way", 30, {}, {}, TestResult::USERABORTED, 2 * (31 * 51 + 1)},
-        {"with an error and no minimum", 0, {{"MaxErrors", "10"}}, {2999}, TestResult::FAIL, 2 * 52},
-        {"with an error under a minimum", 0, {{"MaxErrors", "10"}, {"MinErrorPercentage", "5"}}, {2999}, TestResult::USERABORTED, 2 * 52},
     };
     // clang-format on
     runStopCases(cases, {{"EndRange", "3000"}, {"NumberOfSeeks", "3000"}}, driveOf(3000, 512, 10),
