@@ -235,9 +235,6 @@ TEST_F(ReadCompare, EstimatesTheTimeLeftAboutOnceASecond) {
     EXPECT_EQ(left[0], 3u) << "1020 ms over a ring of 1000 steps, 2949 steps to go";
     EXPECT_EQ(left[19], 39u) << "ring full of 20 ms steps, 1980 steps to go";
     EXPECT_TRUE(wasLogged("libDrive.LinearReadCompareTest", 1, "213  Estimated Time Left 39"));
-    const auto estimates = host.all<testsupport::TimeLeftReport>();
-    for (std::size_t i = 1; i < estimates.size(); ++i)
-        EXPECT_GT(estimates[i].timeMs - estimates[i - 1].timeMs, 1000u);
 }
 
 TEST_F(ReadCompare, AStepWithAFailedFirstReadIsTimedWithTheNextOne) {
