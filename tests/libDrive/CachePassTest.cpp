@@ -16,27 +16,19 @@ using drivetests::driveOf;
 using drivetests::WriteRecordingDrive;
 using quel5::TestResult;
 
-using Parameters = std::vector<std::pair<const char*, const char*>>;
+using drivetests::Parameters;
 
 const char* const kFills[] = {"00", "ff", "aa", "55", "34"};
 
-class CachePass : public drivetests::DriveTestFixture {
+class CachePass : public drivetests::DestructiveFixture<kivrlibdrive::CCacheTest> {
 protected:
-    void setAll(const Parameters& parameters) {
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        set("NumberOfSeeks", "1");
-        for (const auto& [key, text] : parameters) set(key, text);
-    }
-    static TestResult run(kivrlibdrive::Drive& drive) {
-        kivrlibdrive::CCacheTest test(drive);
-        return test.Run();
-    }
-    std::vector<std::string> eventLines() const {
-        return drivetests::eventLines(host, "libDrive/CacheTest");
-    }
+    CachePass() : DestructiveFixture("libDrive/CacheTest") {}
 
-    quel5::DiagDevice device{L"sim:cache"};
+    // The cache test wants an amount to test, whichever.
+    void setAll(const Parameters& parameters) {
+        DestructiveFixture::setAll(parameters);
+        set("NumberOfSeeks", "1");
+    }
 };
 
 struct ZoneCase {

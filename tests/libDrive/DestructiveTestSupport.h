@@ -1,5 +1,6 @@
 // What the tests of the pattern and cache tests share: a simulated drive that also writes down
-// its writes (with what they wrote) and the volume locks, and can refuse chosen writes.
+// its writes (with what they wrote) and the volume locks, and can refuse chosen writes, and a
+// fixture that runs the test class on it.
 #pragma once
 
 #include <cstdint>
@@ -78,6 +79,26 @@ public:
         }
         return found;
     }
+};
+
+// The fixture of the tests of the destructive test class `TestClass`, which raises its events
+// from `source`.
+template <typename TestClass>
+class DestructiveFixture : public DriveTestFixture {
+protected:
+    explicit DestructiveFixture(const char* source) : source_(source) {}
+
+    static quel5::TestResult run(kivrlibdrive::Drive& drive) {
+        TestClass test(drive);
+        return test.Run();
+    }
+    // Every event as "KEY:line" when raised from the test's source, else as "KEY".
+    std::vector<std::string> eventLines() const { return drivetests::eventLines(host, source_); }
+
+    quel5::DiagDevice device{L"sim:destructive"};
+
+private:
+    std::string source_;
 };
 
 }  // namespace drivetests

@@ -17,7 +17,7 @@ using drivetests::driveOf;
 using drivetests::WriteRecordingDrive;
 using quel5::TestResult;
 
-using Parameters = std::vector<std::pair<const char*, const char*>>;
+using drivetests::Parameters;
 
 const std::vector<std::string> kFills = {"ff", "00", "f0", "0f", "aa", "55", "80", "40", "20",
                                          "10", "08", "04", "02", "01", "11", "22", "44", "88"};
@@ -36,22 +36,9 @@ std::vector<std::string> sectorCalls(uint64_t sector, std::size_t patterns, bool
     return calls;
 }
 
-class PatternPass : public drivetests::DriveTestFixture {
+class PatternPass : public drivetests::DestructiveFixture<kivrlibdrive::CPatternTest> {
 protected:
-    void setAll(const Parameters& parameters) {
-        quel5::Registry::instance().clearAllParameters();
-        host.clear();
-        for (const auto& [key, text] : parameters) set(key, text);
-    }
-    static TestResult run(kivrlibdrive::Drive& drive) {
-        kivrlibdrive::CPatternTest test(drive);
-        return test.Run();
-    }
-    std::vector<std::string> eventLines() const {
-        return drivetests::eventLines(host, "libDrive/PatternTest");
-    }
-
-    quel5::DiagDevice device{L"sim:pattern"};
+    PatternPass() : DestructiveFixture("libDrive/PatternTest") {}
 };
 
 struct WalkCase {
