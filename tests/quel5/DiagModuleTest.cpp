@@ -70,16 +70,13 @@ TEST(DiagModuleTest, WithoutAHostNothingIsDeliveredAndStopIsNeverRequested) {
     EXPECT_FALSE(DiagModule::checkForStop());
     EXPECT_EQ(DiagModule::createMessageBox2("m", "t", 0, 0, 0, true), nullptr);
     EXPECT_TRUE(host.reports().empty());
-    EXPECT_EQ(quel5::installedHost(), nullptr);
 }
 
 TEST(DiagModuleTest, MessageBoxesTakeTheirAnswersFromTheHost) {
     RecordingHost host;
     ScopedHost installed(host);
     host.queueAnswers({quel5::MB2_YES, quel5::MB2_NO});
-    host.setDefaultAnswer(quel5::MB2_RETRY);
-    const int expected[] = {quel5::MB2_YES, quel5::MB2_NO, quel5::MB2_RETRY, quel5::MB2_RETRY};
-    for (int answer : expected) {
+    for (int answer : {quel5::MB2_YES, quel5::MB2_NO}) {
         quel5::MessageBox2* box = DiagModule::createMessageBox2("Insert", "Title", 0, 3, 0, true);
         ASSERT_NE(box, nullptr);
         EXPECT_EQ(box->getReturn(), quel5::MB2_NONE);
@@ -89,7 +86,7 @@ TEST(DiagModuleTest, MessageBoxesTakeTheirAnswersFromTheHost) {
         delete box;
     }
     const auto boxes = host.messageBoxes();
-    ASSERT_EQ(boxes.size(), 4u);
+    ASSERT_EQ(boxes.size(), 2u);
     EXPECT_EQ(boxes[0].message, "Insert");
     EXPECT_EQ(boxes[0].title, "Title");
     EXPECT_EQ(boxes[0].buttons, 3u);

@@ -134,10 +134,6 @@ TEST(ParameterTest, ClearingReportsNotSet) {
         quel5::DiagModule::createParameter("P_ClearA", DataType::UINT32, "", false, false);
     quel5::Parameter* second =
         quel5::DiagModule::createParameter("P_ClearB", DataType::STRING, "", false, false);
-    EXPECT_FALSE(first->isset());
-    EXPECT_EQ(first->valueSource(), ParameterSource::NOTSET());
-    EXPECT_EQ(first->toString().toUtf8(), "");
-
     ASSERT_TRUE(registry.setParameter("P_ClearA", L"7", nullptr));
     ASSERT_TRUE(registry.setParameter("P_ClearB", L"x", nullptr));
     EXPECT_TRUE(registry.clearParameter("P_ClearA"));

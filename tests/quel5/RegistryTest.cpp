@@ -29,13 +29,11 @@ std::vector<std::string> keysEndingIn(const std::vector<Handle*>& handles, const
 
 TEST(RegistryTest, KeepsCreationOrderAndFindsTheFirstOfAKey) {
     Registry& registry = Registry::instance();
-    const std::size_t eventsBefore = registry.events().size();
     quel5::Event* first = quel5::DiagModule::createEvent("C_Order");
     quel5::Event* second = quel5::DiagModule::createEvent("A_Order");
     quel5::Event* duplicate = quel5::DiagModule::createEvent("C_Order");
     quel5::Event* third = quel5::DiagModule::createEvent("B_Order");
 
-    EXPECT_EQ(registry.events().size(), eventsBefore + 4);
     EXPECT_EQ(keysEndingIn(registry.events(), "_Order"),
               (std::vector<std::string>{"C_Order", "A_Order", "C_Order", "B_Order"}));
     EXPECT_NE(first, duplicate);  // a second creation is a handle of its own
