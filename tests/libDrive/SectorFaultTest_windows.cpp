@@ -36,7 +36,6 @@ TEST(SectorFault, BrokenSpansRaiseStructuredExceptionSeven) {
         EXPECT_EQ(faultsSeen, 1);
         const auto records = sink.records();
         ASSERT_EQ(records.size(), 1u);
-        EXPECT_EQ(records[0].logger.toUtf8(), "DEFECT.GENERIC");
         EXPECT_EQ(records[0].message.toUtf8(),
                   "20 Assertion failed: m_qwEndSector > m_qwStartSector (libDrive/Sector)");
     }
