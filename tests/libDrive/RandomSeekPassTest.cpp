@@ -206,7 +206,6 @@ TEST_F(RandomSeek, ReportsTimedProgressAboutOnceASecond) {
     EXPECT_EQ(percents[29], 100u);
     const std::vector<unsigned> left = host.timesLeft();
     ASSERT_EQ(left.size(), 29u);
-    EXPECT_EQ(left[0], 2u) << "1010 ms over a ring of 1000, 2899 seeks to go";
     EXPECT_EQ(left[9], 19u) << "ring full: 10000 ms, 1990 seeks to go";
     EXPECT_TRUE(wasLogged("libDrive.RandomSeekTest", 1, "288  Estimated Time Left 19"));
     EXPECT_EQ(host.stopPolls(), 29u);

@@ -232,7 +232,6 @@ TEST_F(ReadCompare, EstimatesTheTimeLeftAboutOnceASecond) {
     EXPECT_EQ(host.progressReports().size(), 3000u);
     const std::vector<unsigned> left = host.timesLeft();
     ASSERT_EQ(left.size(), 58u);
-    EXPECT_EQ(left[0], 3u) << "1020 ms over a ring of 1000 steps, 2949 steps to go";
     EXPECT_EQ(left[19], 39u) << "ring full of 20 ms steps, 1980 steps to go";
     EXPECT_TRUE(wasLogged("libDrive.LinearReadCompareTest", 1, "213  Estimated Time Left 39"));
 }
