@@ -138,7 +138,7 @@ TEST_F(CachePass, FailedBlocksAreCountedAgainstTheRawLimit) {
          // The block keeps the fill of pass 0 when its write-back is refused: refuse every second write.
          [](WriteRecordingDrive& d) { d.refuseWrite = [n = 0](uint64_t s, const std::string&) mutable { return s == 512 && ++n % 2 == 0; }; },
          TestResult::FAIL, {restore, restore, limit}, 256 + 6},
-        {"volumes cannot be locked", {}, [](WriteRecordingDrive& d) { d.switches().lockFails = true; }, TestResult::DEVICEBUSY, {"DeviceBusy"}, 0},
+        {"volumes cannot be locked", {}, [](WriteRecordingDrive& d) { d.switches().lockFails = true; }, TestResult::DEVICEBUSY, {"DeviceBusy@libDrive/Drive"}, 0},
     };
     // clang-format on
     for (const FaultCase& c : cases) {

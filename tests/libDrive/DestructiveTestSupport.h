@@ -24,17 +24,6 @@ inline std::string fillOf(const void* data, uint32_t bytes) {
     return text;
 }
 
-// Every event `host` received as "KEY:line" when raised from `source`, else as "KEY".
-inline std::vector<std::string> eventLines(const testsupport::RecordingHost& host,
-                                           const std::string& source) {
-    std::vector<std::string> lines;
-    for (const testsupport::EventReport& event : host.events()) {
-        lines.push_back(event.source == source ? event.key + ":" + std::to_string(event.line)
-                                               : event.key);
-    }
-    return lines;
-}
-
 // Records, besides the calls of CallRecordingDrive, "write <sector> <fill>" (fill as fillOf()
 // gives it), "volumes" for lock() and "release" for unLock().
 class WriteRecordingDrive : public CallRecordingDrive {
@@ -92,8 +81,8 @@ protected:
         TestClass test(drive);
         return test.Run();
     }
-    // Every event as "KEY:line" when raised from the test's source, else as "KEY".
-    std::vector<std::string> eventLines() const { return drivetests::eventLines(host, source_); }
+    using DriveTestFixture::eventLines;
+    std::vector<std::string> eventLines() const { return eventLines(source_); }
 
     quel5::DiagDevice device{L"sim:destructive"};
 

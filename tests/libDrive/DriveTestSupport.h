@@ -70,6 +70,15 @@ protected:
         return false;
     }
     void clearLog() { log_.clear(); }
+    // Every event as "KEY:line" when raised from `source`, else as "KEY@source".
+    std::vector<std::string> eventLines(const std::string& source) const {
+        std::vector<std::string> lines;
+        for (const testsupport::EventReport& event : host.events()) {
+            lines.push_back(event.source == source ? event.key + ":" + std::to_string(event.line)
+                                                   : event.key + "@" + event.source);
+        }
+        return lines;
+    }
 
     uint64_t elapsedMs() { return clock_.elapsedMilliseconds(); }
 

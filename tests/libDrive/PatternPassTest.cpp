@@ -143,7 +143,7 @@ TEST_F(PatternPass, FailuresAreCountedAcrossSectorsUpToTheLimit) {
              d.refuseWrite = [](uint64_t s, const std::string& f) { return s == 1 && f == "data"; };
          },
          512, TestResult::INTERNALERROR, {}, good1},
-        {"volumes cannot be locked", base, [](WriteRecordingDrive& d) { d.switches().lockFails = true; }, 512, TestResult::DEVICEBUSY, {"DeviceBusy"}, {}},
+        {"volumes cannot be locked", base, [](WriteRecordingDrive& d) { d.switches().lockFails = true; }, 512, TestResult::DEVICEBUSY, {"DeviceBusy@libDrive/Drive"}, {}},
         {"sector size 0", base, [](WriteRecordingDrive&) {}, 0, TestResult::INTERNALERROR, {"MSG_ERROR_ALLOCATING_MEMORY:304"}, {}},
     };
     // clang-format on
