@@ -84,14 +84,14 @@ TEST_F(FunnelSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
     twoPasses.insert(twoPasses.end(), twoPasses.begin(), twoPasses.end());
     // clang-format off
     const ExitCase cases[] = {
-        {.name = "no handle", .arrange = drivetests::noHandle, .result = TestResult::NODEVICE, .passes = 0},
+        drivetests::noHandleExit(),
         {.name = "media check fails", .arrange = drivetests::mediaCheckFails, .result = TestResult::NOMEDIA},
-        {.name = "empty range", .range = DirectRange{30, 30, 1}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO@126"}},
-        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE@144"}},
+        {.name = "empty range", .range = DirectRange{30, 30, 1}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO:126"}},
+        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE:144"}},
         {.name = "high read ends the test", .arrange = drivetests::readEndsTheTest(8), .result = TestResult::INTERNALERROR, .reads = {0, 9, 1, 8}},
         {.name = "low read ends the test", .arrange = drivetests::readEndsTheTest(2), .result = TestResult::INTERNALERROR, .reads = {0, 9, 1, 8, 2}},
         {.name = "failed twice", .arrange = drivetests::failsAndIsRerun(3), .result = TestResult::FAIL, .passes = 2,
-         .events = {"RERUN_TEST@76"}, .reads = twoPasses},
+         .events = {"RERUN_TEST:76"}, .reads = twoPasses},
     };
     // clang-format on
     runExitCases(cases, {{"EndRange", "10"}, {"NumberOfSeeks", "10"}}, driveOf(100),

@@ -135,21 +135,21 @@ TEST_F(RandomSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
     const std::vector<uint64_t> twoPassesAt15(10, 15);
     // clang-format off
     const ExitCase cases[] = {
-        {.name = "no handle", .arrange = drivetests::noHandle, .result = TestResult::NODEVICE, .passes = 0},
+        drivetests::noHandleExit(),
         {.name = "media check fails", .arrange = drivetests::mediaCheckFails, .result = TestResult::NOMEDIA},
         {.name = "no number of seeks", .parameters = {{"SectorPercentToTest", "50"}}, .result = TestResult::BADPARAMS},
-        {.name = "end below start", .range = DirectRange{20, 10, 1, 5}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO@140"}},
+        {.name = "end below start", .range = DirectRange{20, 10, 1, 5}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO:140"}},
         {.name = "no seeks on a direct range", .range = DirectRange{10, 20, 1, 0}, .result = TestResult::BADPARAMS},
-        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE@185"}},
+        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE:185"}},
         {.name = "start = end draws the start", .arrange = seeded({zero}), .range = startIsEnd(2), .reads = {10, 10}},
         {.name = "start = end draws one past it", .arrange = seeded({zero, one}), .range = startIsEnd(3),
-         .result = TestResult::INTERNALERROR, .events = {"TOTAL_SECTORS_GREATER_THAN_DIFFERENCE@234"}, .reads = {10}},
+         .result = TestResult::INTERNALERROR, .events = {"TOTAL_SECTORS_GREATER_THAN_DIFFERENCE:234"}, .reads = {10}},
         {.name = "read ends the test", .arrange = seeded({at3, at3, at5}, drivetests::readEndsTheTest(15)),
          .result = TestResult::INTERNALERROR, .reads = {13, 13, 15}},
         {.name = "failed twice", .arrange = seeded({at5}, drivetests::failsAndIsRerun(15)), .result = TestResult::FAIL, .passes = 2,
-         .events = {"RERUN_TEST@92"}, .reads = twoPassesAt15},
+         .events = {"RERUN_TEST:92"}, .reads = twoPassesAt15},
         {.name = "healed by the re-run", .arrange = seeded({at5}, drivetests::failsAndIsRerun(15, true)), .passes = 2,
-         .events = {"RERUN_TEST@92"}, .reads = twoPassesAt15},
+         .events = {"RERUN_TEST:92"}, .reads = twoPassesAt15},
     };
     // clang-format on
     SeedScript seeds({at3});
@@ -157,7 +157,7 @@ TEST_F(RandomSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
         cases, {{"StartRange", "10"}, {"EndRange", "20"}, {"NumberOfSeeks", "5"}}, driveOf(100),
         "libDrive/RandomSeekTest", nullptr, [this](const ExitCase& c, ScriptedDrive&) {
             const bool drawOutOfRange =
-                c.events == std::vector<std::string>{"TOTAL_SECTORS_GREATER_THAN_DIFFERENCE@234"};
+                c.events == std::vector<std::string>{"TOTAL_SECTORS_GREATER_THAN_DIFFERENCE:234"};
             EXPECT_EQ(wasLogged("libDrive.RandomSeekTest", 4,
                                 "233 Error in random number calculation. Generated a "
                                 "out of range random number."),

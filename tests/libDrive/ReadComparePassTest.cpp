@@ -303,10 +303,10 @@ TEST_F(ReadCompare, TheWorkingResultCarriesOverIntoLaterPasses) {
 TEST_F(ReadCompare, EveryWayOutOfAPassUnlocksTheTrayOnce) {
     // clang-format off
     const ExitCase cases[] = {
-        {.name = "no handle", .arrange = drivetests::noHandle, .result = TestResult::NODEVICE, .passes = 0},
+        drivetests::noHandleExit(),
         {.name = "media check fails", .arrange = drivetests::mediaCheckFails, .result = TestResult::NOMEDIA},
-        {.name = "empty range", .range = DirectRange{30, 30}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO@132"}},
-        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE@149"}},
+        {.name = "empty range", .range = DirectRange{30, 30}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO:132"}},
+        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE:149"}},
     };
     // clang-format on
     runExitCases(cases, {{"EndRange", "10"}, {"NumberOfSeeks", "10"}}, driveOf(100),

@@ -102,7 +102,7 @@ struct ExitCase {
     std::optional<DirectRange> range = {};
     quel5::TestResult result = quel5::TestResult::PASS;
     unsigned passes = 1;                     // LockTray and UnlockTray calls each
-    std::vector<std::string> events = {};    // "KEY@line" from the pass's source, or keys
+    std::vector<std::string> events = {};    // as eventLines() gives them, or keys
     std::vector<uint64_t> reads = {};        // every sector read, in order
     std::vector<std::string> problems = {};  // the pass's log lines at priority 4, if checked
 };
@@ -112,6 +112,14 @@ inline void noHandle(ScriptedDrive& drive) { drive.switches().invalidHandle = tr
 inline void mediaCheckFails(ScriptedDrive& drive) {
     drive.switches().needsMediaCheck = true;
     drive.switches().checkMediaResult = quel5::TestResult::NOMEDIA;
+}
+// A drive without a handle is refused before its tray is taken.
+inline ExitCase noHandleExit() {
+    return {.name = "no handle",
+            .arrange = noHandle,
+            .result = quel5::TestResult::NODEVICE,
+            .passes = 0,
+            .events = {"INVALID_DRIVE_HANDLE@libDrive/DriveTest"}};
 }
 inline void noSectorSize(sim::SimulatedDriveConfig& config) { config.bytesPerSector = 0; }
 // Reads of `sector` end the test with an internal error.
@@ -161,16 +169,6 @@ protected:
         TestClass test(drive);
         return test.Run();
     }
-    // "KEY@line" of every event raised from `source`, in order.
-    std::vector<std::string> eventsFrom(const std::string& source) const {
-        std::vector<std::string> found;
-        for (const auto& event : host.events()) {
-            if (event.source == source)
-                found.push_back(event.key + "@" + std::to_string(event.line));
-        }
-        return found;
-    }
-
     // Runs every case from `base` on a drive of `config`; checks the result, the tray locks, the
     // events (those raised from `source` as "KEY@line", or every key when `source` is empty),
     // the sectors read, that an internal error never reports 100 percent and, when `logger` is
@@ -191,7 +189,7 @@ protected:
 
             EXPECT_EQ(drive.counters().lockTray, c.passes);
             EXPECT_EQ(drive.counters().unlockTray, c.passes);
-            EXPECT_EQ(source.empty() ? host.eventKeys() : eventsFrom(source), c.events);
+            EXPECT_EQ(source.empty() ? host.eventKeys() : eventLines(source), c.events);
             EXPECT_EQ(drive.readSectors(), c.reads);
             if (c.result == quel5::TestResult::INTERNALERROR) {
                 EXPECT_NE(host.lastPercent(), std::optional<unsigned>(100));

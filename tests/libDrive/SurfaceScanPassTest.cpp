@@ -154,18 +154,18 @@ TEST_F(SurfaceScan, EveryWayOutOfAPassUnlocksTheTrayOnce) {
     twoPasses.insert(twoPasses.end(), twoPasses.begin(), twoPasses.end());
     // clang-format off
     const ExitCase cases[] = {
-        {.name = "no handle", .arrange = drivetests::noHandle, .result = TestResult::NODEVICE, .passes = 0},
+        drivetests::noHandleExit(),
         {.name = "media check fails", .arrange = drivetests::mediaCheckFails, .result = TestResult::NOMEDIA},
-        {.name = "empty range", .range = DirectRange{30, 30}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO@136"}},
+        {.name = "empty range", .range = DirectRange{30, 30}, .result = TestResult::BADPARAMS, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO:136"}},
         {.name = "no sectors per track", .configure = [](sim::SimulatedDriveConfig& c) { c.sectorsPerTrack = 0; },
-         .result = TestResult::INTERNALERROR, .events = {"SECTORS_PER_TRACK_GREATER_THAN_ZERO@145"}},
-        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE@178"}},
+         .result = TestResult::INTERNALERROR, .events = {"SECTORS_PER_TRACK_GREATER_THAN_ZERO:145"}},
+        {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE:178"}},
         {.name = "block larger than a drive call can take", .configure = [](sim::SimulatedDriveConfig& c) { c.optimalReadAmount = 1u << 23; },
-         .result = TestResult::INTERNALERROR, .events = {"MSG_ERROR_ALLOCATING_MEMORY@188"}},
+         .result = TestResult::INTERNALERROR, .events = {"MSG_ERROR_ALLOCATING_MEMORY:188"}},
         {.name = "read ends the test", .arrange = drivetests::readEndsTheTest(40), .result = TestResult::INTERNALERROR,
          .reads = {0, 16, 32}, .problems = {"222 Problem when testing sector 32 to 48"}},
         {.name = "failed twice", .arrange = drivetests::failsAndIsRerun(70), .result = TestResult::FAIL, .passes = 2,
-         .events = {"RERUN_TEST@82"}, .reads = twoPasses, .problems = {problemAt64, problemAt64}},
+         .events = {"RERUN_TEST:82"}, .reads = twoPasses, .problems = {problemAt64, problemAt64}},
     };
     // clang-format on
     runExitCases(cases, {{"EndRange", "100"}, {"SectorPercentToTest", "100"}}, scanDrive(1000, 16),
