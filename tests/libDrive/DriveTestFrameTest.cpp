@@ -160,7 +160,6 @@ TEST_F(DriveTestFrame, ErrorsUnderTheThresholdPassWithAWarning) {
         {{"10", "5"}, 0, 100, TestResult::PASS, TestResult::PASS, nullptr, nullptr},
         {{"10", "5"}, 0, 100, TestResult::FAIL, TestResult::FAIL, nullptr, nullptr},
         {{"10", "5"}, 3, 100, TestResult::USERABORTED, TestResult::USERABORTED, nullptr, nullptr},
-        {{"10", "5"}, 3, 100, TestResult::INTERNALERROR, TestResult::INTERNALERROR, nullptr, nullptr},
         {{"0", "5"}, 50, 100, TestResult::FAIL, TestResult::PASS, "50.00", "5.00"},
         {{"0", nullptr}, 50, 100, TestResult::FAIL, TestResult::PASS, "50.00", "0.00"},
         {{"10", nullptr}, 1, 100, TestResult::FAIL, TestResult::FAIL, nullptr, nullptr},

@@ -102,12 +102,10 @@ TEST(Vocabulary, ParametersCarryTypeRangeAndFlagsAndPublishedGlobals) {
 TEST(Vocabulary, EachGlobalHoldsTheHandleOfItsOwnKey) {
     for (const auto& row : kEvents) {
         SCOPED_TRACE(row.key);
-        ASSERT_NE(*row.global, nullptr);
         EXPECT_EQ(*row.global, Registry::instance().findEvent(row.key));
     }
     for (const auto& row : kStrings) {
         SCOPED_TRACE(row.key);
-        ASSERT_NE(*row.global, nullptr);
         EXPECT_EQ(*row.global, Registry::instance().findLocalizedString(row.key));
     }
 }
