@@ -36,6 +36,16 @@ std::vector<std::string> sectorCalls(uint64_t sector, std::size_t patterns, bool
     return calls;
 }
 
+// A pass over sectors [start, end) in `seeks` steps with `patterns` patterns.
+Parameters passOver(const char* start, const char* end, const char* seeks, const char* patterns,
+                    bool preserve) {
+    return {{"StartRange", start},
+            {"EndRange", end},
+            {"NumberOfSeeks", seeks},
+            {"NumberOfPatterns", patterns},
+            {"PreserveData", preserve ? "true" : "false"}};
+}
+
 class PatternPass : public drivetests::DestructiveFixture<kivrlibdrive::CPatternTest> {
 protected:
     PatternPass() : DestructiveFixture("libDrive/PatternTest") {}
@@ -98,9 +108,8 @@ struct FaultCase {
 
 TEST_F(PatternPass, FailuresAreCountedAcrossSectorsUpToTheLimit) {
     // Sectors 1 to 3, two patterns, data kept unless said otherwise.
-    const Parameters base = {{"StartRange", "1"},      {"EndRange", "4"},
-                             {"NumberOfSeeks", "3"},   {"NumberOfPatterns", "2"},
-                             {"PreserveData", "true"}, {"MaxErrors", "10"}};
+    Parameters base = passOver("1", "4", "3", "2", true);
+    base.emplace_back("MaxErrors", "10");
     const auto with = [&base](Parameters more) {
         Parameters all = base;
         all.insert(all.end(), more.begin(), more.end());
@@ -170,12 +179,8 @@ TEST_F(PatternPass, FailuresAreCountedAcrossSectorsUpToTheLimit) {
 }
 
 TEST_F(PatternPass, EventsNameTheSectorTheLimitAndTheTest) {
-    setAll({{"StartRange", "5"},
-            {"EndRange", "9"},
-            {"NumberOfSeeks", "4"},
-            {"NumberOfPatterns", "1"},
-            {"PreserveData", "true"},
-            {"MaxErrors", "2"}});
+    setAll(passOver("5", "9", "4", "1", true));
+    set("MaxErrors", "2");
     WriteRecordingDrive drive(device, driveOf(10));
     drive.injectFault(6, sim::SectorFault::Forgetful);
     drive.injectFault(7, sim::SectorFault::Forgetful);
@@ -216,11 +221,7 @@ TEST_F(PatternPass, AStopWritesTheSavedSectorBack) {
     // clang-format on
     for (const StopCase& c : cases) {
         SCOPED_TRACE(c.name);
-        setAll({{"StartRange", "1"},
-                {"EndRange", "3"},
-                {"NumberOfSeeks", "2"},
-                {"NumberOfPatterns", "3"},
-                {"PreserveData", c.preserve ? "true" : "false"}});
+        setAll(passOver("1", "3", "2", "3", c.preserve));
         WriteRecordingDrive drive(device, driveOf(10));
         if (c.restoreFails)
             drive.refuseWrite = [](uint64_t, const std::string& f) { return f == "data"; };
@@ -242,11 +243,7 @@ TEST_F(PatternPass, AStopWritesTheSavedSectorBack) {
 TEST_F(PatternPass, DataIsLeftAsFoundOnlyWhenPreserved) {
     for (const bool preserve : {true, false}) {
         SCOPED_TRACE(preserve ? "preserved" : "not preserved");
-        setAll({{"StartRange", "0"},
-                {"EndRange", "40"},
-                {"NumberOfSeeks", "20"},
-                {"NumberOfPatterns", "18"},
-                {"PreserveData", preserve ? "true" : "false"}});
+        setAll(passOver("0", "40", "20", "18", preserve));
         WriteRecordingDrive drive(device, driveOf(64, 4096));
         const std::vector<unsigned char> before = drive.contents(0, 64);
 
@@ -287,10 +284,7 @@ TEST_F(PatternPass, AFailedRunMayBeRepeatedAndAsksForQualifiedMedia) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        setAll({{"StartRange", "1"},
-                {"EndRange", "3"},
-                {"NumberOfSeeks", "2"},
-                {"NumberOfPatterns", "1"}});
+        setAll(passOver("1", "3", "2", "1", false));
         WriteRecordingDrive drive(device, driveOf(10));
         if (c.fails) drive.injectFault(2, sim::SectorFault::WriteFails);
         drive.switches().rerunAllowed = c.rerun;
