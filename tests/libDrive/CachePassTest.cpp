@@ -79,11 +79,8 @@ TEST_F(CachePass, WritesFiveFillsOverTheZoneBelowTheEnd) {
         EXPECT_EQ(progress[0].intervalMs, 128.0);
         EXPECT_EQ(progress[129].get("ReadSector").valueUint64(), c.zoneStart + 256);
         EXPECT_EQ(progress[129].get("EndSector").valueUint64(), c.zoneStart + 32768);
-        const std::vector<unsigned char> after = drive.contents(c.zoneStart, 32768);
         if (c.preserve) {
-            EXPECT_EQ(after, before);
-        } else {
-            EXPECT_EQ(after, std::vector<unsigned char>(after.size(), 0));
+            EXPECT_EQ(drive.contents(c.zoneStart, 32768), before);
         }
         EXPECT_EQ(drive.counters().lock, 1u);
         EXPECT_EQ(drive.counters().unLock, 1u);
