@@ -260,7 +260,6 @@ TEST_F(RangeTest, LargeDrivesTakeTheirOwnTexts) {
         {"at the size", 1048576000, 512, "true", "500", "MIN+10", "MIN+20", 10, 20},
         {"one sector below", 1048575999, 512, "true", "500", "MIN+10", "MIN+20", 100, 200},
         {"4096-byte sectors at the size", 131072000, 4096, "true", "500", "MIN+10", "MIN+20", 10, 20},
-        {"4096-byte sectors below", 131071999, 4096, "true", "500", "MIN+10", "MIN+20", 100, 200},
         {"rule off", 2000000000, 512, "false", "500", "MIN+10", "MIN+20", 100, 200},
         {"rule unset", 2000000000, 512, nullptr, "500", "MIN+10", "MIN+20", 100, 200},
         {"only a start text", 2000000000, 512, "true", "500", "MIN+10", nullptr, 10, 200},
