@@ -99,6 +99,7 @@ protected:
         p.failIfNotFound = failIfNotFound;
         return p;
     }
+
     testsupport::TempDirectory medium_{"checksum-medium"};
     const fs::path root_ = medium_.path();
     quel5::DiagDevice device_{L"sim:medium"};

@@ -88,7 +88,6 @@ std::vector<bool> catchersThatCatch(TypeList<Types...>, const std::function<void
 }
 
 TEST(Exceptions, EachBuildsItsMessageAndIsCaughtOnlyAsItselfOrTheCommonBase) {
-    ASSERT_EQ(std::size(kTextThrowers), 35u);
     for (std::size_t i = 0; i < std::size(kTextThrowers); ++i) {
         SCOPED_TRACE(i);
         try {
