@@ -29,7 +29,6 @@ TEST(EventTest, VariablesKeepFirstSetOrderAndReplaceInPlace) {
         std::vector<Value> values;
     };
     const Case cases[] = {
-        {"one", {{"A", 1u}}, {"A"}, {Value(1u)}},
         {"order of first set", {{"B", 1u}, {"A", 2u}}, {"B", "A"}, {Value(1u), Value(2u)}},
         {"re-set keeps the place",
          {{"A", 1u}, {"B", 2u}, {"A", "x"}},
