@@ -50,7 +50,6 @@ TEST_F(LinearSeek, ReadsOneSectorAtEveryJumpFromStartToEnd) {
     const WalkCase cases[] = {
         {"jump as long as the range", 1000, {{"StartRange", "100"}, {"EndRange", "110"}, {"NumberOfSeeks", "1"}}, {100}},
         {"uneven span", 1000, {{"StartRange", "7"}, {"EndRange", "20"}, {"NumberOfSeeks", "4"}}, {7, 10, 13, 16, 19}},
-        {"ten percent", 100000, {{"StartRange", "1000"}, {"EndRange", "2000"}, {"SectorPercentToTest", "10"}}, stepsFrom(1000, 10, 100)},
         {"up to the last sector", 1000, {{"StartRange", "MAX-10"}, {"NumberOfSeeks", "5"}}, {990, 992, 994, 996, 998}},
     };
     // clang-format on

@@ -61,8 +61,6 @@ TEST_F(ReadCompare, ReadsEveryVisitedSectorTwiceAndReportsEveryStep) {
     // clang-format off
     const WalkCase cases[] = {
         {"jump 3 over 10 sectors", {{"EndRange", "10"}, {"NumberOfSeeks", "3"}}, {0, 3, 6, 9}, 0, 10},
-        {"every sector", {{"StartRange", "100"}, {"EndRange", "105"}, {"NumberOfSeeks", "5"}}, stepsFrom(100, 1, 5), 100, 5},
-        {"ten percent", {{"StartRange", "1000"}, {"EndRange", "1100"}, {"SectorPercentToTest", "10"}}, stepsFrom(1000, 10, 10), 1000, 100},
         {"up to the end of the drive", {{"StartRange", "MAX-3"}, {"NumberOfSeeks", "3"}}, {1997, 1998, 1999}, 1997, 3},
     };
     // clang-format on
