@@ -84,10 +84,6 @@ TEST_F(LinearSeek, EveryWayOutOfAPassUnlocksTheTrayOnce) {
     const ExitCase cases[] = {
         {.name = "no handle", .arrange = drivetests::noHandle, .result = TestResult::NODEVICE, .passes = 0, .events = {"INVALID_DRIVE_HANDLE"}},
         {.name = "media check fails", .arrange = drivetests::mediaCheckFails, .result = TestResult::NOMEDIA},
-        {.name = "no sectors", .configure = [](sim::SimulatedDriveConfig& c) { c.totalSectors = 0; },
-         .result = TestResult::WARN, .events = {"TOTAL_SECTOR_GREATER_THAN_ZERO"}},
-        {.name = "unreadable geometry", .arrange = [](ScriptedDrive& d) { d.switches().geometryThrows = true; },
-         .result = TestResult::INTERNALERROR, .events = {"UNABLE_TO_GET_DRIVE_GEOMETRY"}},
         {.name = "bad range", .parameters = {{"StartRange", "MAX"}, {"NumberOfSeeks", "10"}},
          .result = TestResult::BADPARAMS, .events = {"InvalidRangeEntry"}},
         {.name = "sector size 0", .configure = drivetests::noSectorSize, .result = TestResult::INTERNALERROR, .events = {"INVALID_BUFFER_SIZE"}},
