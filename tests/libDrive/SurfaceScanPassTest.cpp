@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <optional>
 #include <string>
@@ -24,7 +23,6 @@ using drivetests::CallRecordingDrive;
 using drivetests::DirectRange;
 using drivetests::driveOf;
 using drivetests::ExitCase;
-using drivetests::ScriptedDrive;
 using quel5::TestResult;
 
 using drivetests::Parameters;
