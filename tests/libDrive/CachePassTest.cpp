@@ -90,22 +90,14 @@ TEST_F(CachePass, WritesFiveFillsOverTheZoneBelowTheEnd) {
 }
 
 TEST_F(CachePass, ARangeEndingBelowOneZoneIsRefused) {
-    const struct {
-        const char* name;
-        uint64_t total;
-        const char* end;
-    } cases[] = {{"end range", 40000, "32767"}, {"small drive", 32767, "MAX"}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        setAll({{"EndRange", c.end}});
-        WriteRecordingDrive drive(device, driveOf(c.total));
+    setAll({{"EndRange", "32767"}});
+    WriteRecordingDrive drive(device, driveOf(40000));
 
-        EXPECT_EQ(run(drive), TestResult::BADPARAMS);
+    EXPECT_EQ(run(drive), TestResult::BADPARAMS);
 
-        EXPECT_EQ(eventLines(), std::vector<std::string>{"TOTAL_SECTOR_GREATER_THAN_ZERO:138"});
-        EXPECT_TRUE(drive.callsStartingWith("write").empty());
-        EXPECT_EQ(drive.counters().unLock, 1u);
-    }
+    EXPECT_EQ(eventLines(), std::vector<std::string>{"TOTAL_SECTOR_GREATER_THAN_ZERO:138"});
+    EXPECT_TRUE(drive.callsStartingWith("write").empty());
+    EXPECT_EQ(drive.counters().unLock, 1u);
 }
 
 struct FaultCase {
