@@ -183,7 +183,7 @@ TEST(SimDeviceTextTest, FaultEntriesAreBoundedTogether) {
 }
 
 // 40 spans of a million sectors once meant 40 million map entries (gigabytes); now each is one
-// stored span, answering exactly at its edges.
+// stored span. How a span answers at its edges is the simulated drive's own test.
 TEST(SimDeviceTextTest, MillionSectorSpansOnATebibyteDriveAreStoredAsSpans) {
     std::string text = "sim:1TiB";
     constexpr uint64_t kSpan = 1000000;
@@ -205,14 +205,8 @@ TEST(SimDeviceTextTest, MillionSectorSpansOnATebibyteDriveAreStoredAsSpans) {
     EXPECT_EQ(readAt(3), quel5::TestResult::FAIL);
     EXPECT_EQ(readAt(1000016), quel5::TestResult::FAIL);
     EXPECT_EQ(readAt(1000017), quel5::TestResult::PASS);
-    for (uint64_t i = 1; i < 40; ++i) {
-        const uint64_t first = i * kStride + 7;
-        SCOPED_TRACE(first);
-        EXPECT_EQ(readAt(first - 1), quel5::TestResult::PASS);
-        EXPECT_EQ(readAt(first), quel5::TestResult::FAIL);
-        EXPECT_EQ(readAt(first + kSpan - 1), quel5::TestResult::FAIL);
-        EXPECT_EQ(readAt(first + kSpan), quel5::TestResult::PASS);
-    }
+    EXPECT_EQ(readAt(39 * kStride + 7 + kSpan - 1), quel5::TestResult::FAIL);
+    EXPECT_EQ(readAt(39 * kStride + 7 + kSpan), quel5::TestResult::PASS);
 }
 
 }  // namespace
