@@ -14,9 +14,9 @@ using Args = std::vector<std::string>;
 
 // The fields a command line sets, for comparing two of them.
 auto fieldsOf(const CommandLine& line) {
-    return std::tie(line.command, line.help, line.test, line.device, line.sets, line.json,
-                    line.logFile, line.logLevel, line.answer, line.destructive, line.undoFile,
-                    line.files);
+    return std::make_tuple(line.command, line.help, line.test, line.device, line.sets, line.json,
+                           line.logFile, line.logLevel, line.answer, line.destructive,
+                           line.undoFile, line.files);
 }
 
 TEST(CommandLineTest, ValidCommandLines) {
