@@ -232,12 +232,14 @@ TEST_F(DrivediagEndToEndTest, TestsCommandShowsEveryTestWithItsDefaults) {
     EXPECT_EQ(text.exitCode, host::exitCodeFor(quel5::TestResult::PASS));
     EXPECT_EQ(text.lines.at(0), "linear-seek");
     EXPECT_EQ(text.lines.at(2), "    defaults: MaxErrors=10 NumberOfSeeks=1000");
+    EXPECT_NE(text.lineWith({"defaults: MaxErrors=10 NumberOfSeeks=1000 EndRange=MAX-1"}), "")
+        << "random-seek's";
+    EXPECT_NE(text.lineWith({"defaults:", "--sectors=8192"}), "") << "the read-write test's";
     const RunOutput json = runDrivediag({"tests", "--json"});
     EXPECT_NE(json.lineWith({"{\"schema\":1,\"type\":\"test\",\"name\":\"linear-seek\"",
                              "\"defaults\":{\"MaxErrors\":\"10\",\"NumberOfSeeks\":\"1000\"}}"}),
               "")
         << json.out;
-    EXPECT_NE(text.lineWith({"defaults:", "--sectors=8192"}), "") << "the read-write test's";
 }
 
 TEST_F(DrivediagEndToEndTest, HelpVersionAndABareCommandLine) {

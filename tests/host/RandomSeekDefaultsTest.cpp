@@ -97,10 +97,4 @@ TEST_F(RandomSeekDefaultsTest, AnExplicitEndRangeIsUsedAsGiven) {
     }
 }
 
-TEST_F(RandomSeekDefaultsTest, TestsCommandShowsTheDefaultEnd) {
-    const RunOutput text = runDrivediag({"tests"});
-    EXPECT_NE(text.lineWith({"defaults: MaxErrors=10 NumberOfSeeks=1000 EndRange=MAX-1"}), "")
-        << text.out;
-}
-
 }  // namespace
