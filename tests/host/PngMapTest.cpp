@@ -112,7 +112,6 @@ TEST_F(PngMapTest, CellsLegendAndTextsAreDrawnAtTheirPlaces) {
     const std::filesystem::path file = folder_.path() / "surface.PNG";
     const RunOutput run = drawMap(file);
     ASSERT_EQ(run.exitCode, 1) << run.err;
-    EXPECT_EQ(testsupport::fileContents(file).substr(0, 8), "\x89PNG\r\n\x1a\n");
     const std::optional<Picture> picture = readPng(file);
     ASSERT_TRUE(picture);
     EXPECT_EQ(picture->width, kWidth);

