@@ -100,12 +100,8 @@ TEST_F(OpticalDriveTest, BluRayIdentifiersAndCdAtipTimes) {
               (std::vector<std::string>{"1354 Manufacturer Id : VERBAT", "1393 Disc Id : IM0",
                                         "1479 Lead In : 97:27:21", "1506 Lead Out : 79:59:71"}));
     fail(op::kReadTocPmaAtip, 0x2400, 1);
-    try {
-        drive->getLeadInTime();
-        ADD_FAILURE() << "no exception";
-    } catch (const kivrlibdrive::FailedRetrivingATIPInfo& failure) {
-        EXPECT_EQ(failure.getStatus(), 0x2400u);
-    }
+    EXPECT_EQ(thrownStatus<kivrlibdrive::FailedRetrivingATIPInfo>([&] { drive->getLeadInTime(); }),
+              0x2400u);
 }
 
 }  // namespace

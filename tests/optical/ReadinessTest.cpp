@@ -80,12 +80,8 @@ TEST_F(ReadinessTest, AStopRequestEndsEitherWait) {
         writer->clearFaults();
         setup(*this);
         host.stopAfterPolls(0);
-        try {
-            drive->makeSureUnitIsReady();
-            ADD_FAILURE() << "no abort";
-        } catch (const kivrlibdrive::UserAborted& aborted) {
-            EXPECT_EQ(aborted.getMessage().toUtf8(), "Test Cancelled by the user");
-        }
+        EXPECT_EQ(thrownMessage<kivrlibdrive::UserAborted>([&] { drive->makeSureUnitIsReady(); }),
+                  "Test Cancelled by the user");
         EXPECT_EQ(host.stopPolls(), 1u);
         host.neverStop();
         host.clear();
@@ -120,13 +116,7 @@ TEST_F(ReadinessTest, EjectTriesFiveTimesAndFailsOnlyWhenTheTrayStaysShut) {
         c.setup(*this);
         writer->clearHistory();
         const uint64_t start = elapsedMs();
-        std::optional<unsigned int> error;
-        try {
-            drive->ejectDisc();
-        } catch (const kivrlibdrive::EjectError& failure) {
-            error = failure.getStatus();
-        }
-        EXPECT_EQ(error, c.error);
+        EXPECT_EQ(thrownStatus<kivrlibdrive::EjectError>([&] { drive->ejectDisc(); }), c.error);
         size_t ejects = 0;
         for (const auto& cdb : commands(op::kStartStopUnit)) ejects += (cdb[4] & 0x03) == 0x02;
         EXPECT_EQ(ejects, c.ejectCommands);
@@ -207,12 +197,9 @@ TEST_F(ReadinessTest, ExclusiveAccessKeepsTheHandleEnteredUntilReleasedOrDestroy
 TEST_F(ReadinessTest, AnUnopenableDeviceRaisesInvalidDriveHandle) {
     quel5::DiagDevice missing(QuelString(L"\\\\.\\NoSuchOpticalDrive"));
     kivrlibdrive::WindowsOpticalDrive nowhere(missing);
-    try {
-        nowhere.getExclusiveDriveAccess();
-        ADD_FAILURE() << "no exception";
-    } catch (const kivrlibdrive::InvalidHandle& failure) {
-        EXPECT_EQ(failure.getMessage().toUtf8(), "Invalid Handle : Failed to get the drive handle");
-    }
+    EXPECT_EQ(
+        thrownMessage<kivrlibdrive::InvalidHandle>([&] { nowhere.getExclusiveDriveAccess(); }),
+        "Invalid Handle : Failed to get the drive handle");
     const auto events = host.events();
     ASSERT_EQ(events.size(), 1u);
     EXPECT_EQ(events[0].key, "INVALID_DRIVE_HANDLE");
