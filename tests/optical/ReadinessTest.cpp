@@ -38,6 +38,10 @@ public:
         fail(op::kTestUnitReady, 0x4400);
         fail(op::kStartStopUnit, 0x4400);
     }
+    void lockedDisc() {
+        loadReady(MediaKind::CdR);
+        drive->lockTray();
+    }
     void capacityUnreadable() {
         loadReady(MediaKind::DvdPlusR);
         fail(op::kReadCapacity, 0x4400);
@@ -90,23 +94,17 @@ TEST_F(ReadinessTest, AStopRequestEndsEitherWait) {
 
 struct EjectCase {
     const char* name;
-    std::function<void(OpticalDriveTest&)> setup;
-    std::optional<unsigned int> error;  // the EjectError's status, if one is thrown
+    std::function<void(ReadinessTest&)> setup;
     size_t ejectCommands;
     uint64_t elapsedMs;
+    std::optional<unsigned int> error = std::nullopt;  // the EjectError's status, if thrown
 };
 
 TEST_F(ReadinessTest, EjectTriesFiveTimesAndFailsOnlyWhenTheTrayStaysShut) {
     const EjectCase cases[] = {
-        {"disc ejects", [](OpticalDriveTest& t) { t.loadReady(MediaKind::CdR); }, std::nullopt, 1,
-         4000},
-        {"removal prevented",
-         [](OpticalDriveTest& t) {
-             t.loadReady(MediaKind::CdR);
-             t.drive->lockTray();
-         },
-         0x5302, 5, 10000},
-        {"drive gone", [](OpticalDriveTest& t) { t.writer->disappear(); }, 0xAB10, 5, 10000},
+        {"disc ejects", [](ReadinessTest& t) { t.loadReady(MediaKind::CdR); }, 1, 4000},
+        {"removal prevented", &ReadinessTest::lockedDisc, 5, 10000, 0x5302},
+        {"drive gone", [](ReadinessTest& t) { t.writer->disappear(); }, 5, 10000, 0xAB10},
     };
     for (const EjectCase& c : cases) {
         SCOPED_TRACE(c.name);
