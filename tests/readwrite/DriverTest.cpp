@@ -22,31 +22,29 @@ TEST_F(DriverTest, EveryExceptionEndsTheRunWithItsResultActionAndLog) {
         "1 1355 ReadWriteTest::Run() caught an InternalException when running runTest()";
     const std::string other =
         "1 1393 ReadWriteTest::Run() caught cathc-all Exception when running runTest()";
-    const struct {
+    struct Case {
         std::function<void()> raise;
-        bool failOnMedia;
         R result;
         std::string logged;  // priority, then the line
         std::string tail;    // the last drive calls
-    } cases[] = {
-        {[] { throw UserAborted(L"stop"); }, false, R::USERABORTED, "3 1349 stop", "lockTray"},
-        {[] { throw InternalException(L"i"); }, false, R::INTERNALERROR, internal, "lockTray"},
-        {[] { throw InvalidMediaException(L"m"); }, false, R::INCORRECTMEDIA, "4 1360 m",
-         "lockTray unlockTray ejectDisc"},
-        {[] { throw InvalidMediaException(L"m"); }, true, R::FAIL, "4 1360 m",
-         "lockTray unlockTray ejectDisc"},
-        {[] { throw NoMediaPresent(L"x"); }, false, R::NOMEDIA, "4 1366  No media present: x",
-         "lockTray"},
-        {[] { throw NoMediaPresent(L"x"); }, true, R::FAIL, "4 1366  No media present: x",
-         "lockTray"},
-        {[] { throw TestFailedException(L"f"); }, false, R::FAIL, "4 1372 f",
+        bool failOnMedia = false;
+    };
+    const std::string ejected = "lockTray unlockTray ejectDisc";
+    const Case cases[] = {
+        {[] { throw UserAborted(L"stop"); }, R::USERABORTED, "3 1349 stop", "lockTray"},
+        {[] { throw InternalException(L"i"); }, R::INTERNALERROR, internal, "lockTray"},
+        {[] { throw InvalidMediaException(L"m"); }, R::INCORRECTMEDIA, "4 1360 m", ejected},
+        {[] { throw InvalidMediaException(L"m"); }, R::FAIL, "4 1360 m", ejected, true},
+        {[] { throw NoMediaPresent(L"x"); }, R::NOMEDIA, "4 1366  No media present: x", "lockTray"},
+        {[] { throw NoMediaPresent(L"x"); }, R::FAIL, "4 1366  No media present: x", "lockTray",
+         true},
+        {[] { throw TestFailedException(L"f"); }, R::FAIL, "4 1372 f",
          "lockTray unlockTray releaseExclusiveAccess"},
-        {[] { throw EjectError(L"e"); }, false, R::DEVICEBUSY, "4 1377 e", "lockTray"},
-        {[] { throw CannotRun(L"c"); }, false, R::CANNOTRUN, "4 1381 c", "lockTray"},
-        {[] { throw TimedOutException(L"t"); }, false, R::TIMEDOUT, "4 1385 t", "lockTray"},
-        {[] { throw InvalidHandle(L"h"); }, false, R::NODEVICE, "4 1389 Invalid Handle : h",
-         "lockTray"},
-        {[] { throw kiv::InternalError(L"k"); }, false, R::INTERNALERROR, other, "lockTray"},
+        {[] { throw EjectError(L"e"); }, R::DEVICEBUSY, "4 1377 e", "lockTray"},
+        {[] { throw CannotRun(L"c"); }, R::CANNOTRUN, "4 1381 c", "lockTray"},
+        {[] { throw TimedOutException(L"t"); }, R::TIMEDOUT, "4 1385 t", "lockTray"},
+        {[] { throw InvalidHandle(L"h"); }, R::NODEVICE, "4 1389 Invalid Handle : h", "lockTray"},
+        {[] { throw kiv::InternalError(L"k"); }, R::INTERNALERROR, other, "lockTray"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.logged);
