@@ -122,27 +122,6 @@ TEST_F(WriterTest, TrackInformationDescribesHowEachFamilyRecords) {
     }
 }
 
-TEST_F(WriterTest, AFullAndAClosedDiscRefuseWritesWhereRealMediaDo) {
-    struct Row {
-        const char* name;
-        DiscModel disc;
-        uint32_t lba;
-        Status writeStatus;
-        uint8_t discStatus;
-    };
-    const std::vector<Row> rows = {
-        {"full, appendable", small(MediaKind::DvdPlusR, DiscStatus::Appendable, kCapacity), 1000,
-         0x2100, 1},
-        {"closed", small(MediaKind::DvdPlusR, DiscStatus::Complete, 400), 400, 0x2102, 2},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        loadReady(row.disc);
-        EXPECT_EQ(write(row.lba, 16, 0x11), row.writeStatus);
-        EXPECT_EQ(discInformation().discStatus, row.discStatus);
-    }
-}
-
 TEST_F(WriterTest, WriteSpeedsComeFromTheDiscFastestFirst) {
     const struct {
         MediaKind kind;
@@ -155,7 +134,6 @@ TEST_F(WriterTest, WriteSpeedsComeFromTheDiscFastestFirst) {
         {MediaKind::BdRe, {8990, 4495}, 35960},
         {MediaKind::HdDvdRw, {4568}, 13704},
         {MediaKind::DvdRom, {}, 0},
-        {MediaKind::BdRom, {}, 0},
     };
     for (const auto& row : rows) {
         const DiscModel disc = sim::mmc::discOf(row.kind);
