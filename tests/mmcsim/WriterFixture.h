@@ -63,6 +63,7 @@ public:
     // READ DISC STRUCTURE of DVD structure `format`, and of the BD disc information.
     Answer dvdStructure(uint8_t format, uint16_t allocation = 256);
     Answer bdStructure();
+    // READ TOC/PMA/ATIP of the ATIP, and MODE SENSE(10) of the current values of `page`.
     Answer atip();
     Answer modeSense(uint8_t page);
     // GET PERFORMANCE of at most `descriptors` write speeds.
