@@ -17,25 +17,21 @@ struct CacheRow {
     uint8_t medium;      // fill byte the medium holds afterwards
 };
 
-class CacheTest : public WriterTest {
-public:
-    Status writeAt(uint8_t fill) { return write(kLba, 1, fill); }
-    Status sync() { return synchronizeCache(); }
-};
+using CacheTest = WriterTest;
 
 const CacheRow kRows[] = {
     {"written, not flushed", [](WriterTest&, auto&) {}, 0xA1, 0xA1, 0xA1},
-    {"flushed", [](WriterTest& t, auto&) { EXPECT_EQ(static_cast<CacheTest&>(t).sync(), 0u); },
-     0xA1, 0xA1, 0xA1},
+    {"flushed", [](WriterTest& t, auto&) { EXPECT_EQ(t.synchronizeCache(), 0u); }, 0xA1, 0xA1,
+     0xA1},
     {"lost on the way to the medium",
      [](WriterTest& t, sim::mmc::EmulatedWriter& w) {
          w.loseWritesAt(kLba);
-         EXPECT_EQ(static_cast<CacheTest&>(t).sync(), 0u);
+         EXPECT_EQ(t.synchronizeCache(), 0u);
      },
      0xA1, 0x00, 0x00},
     {"stale data in the cache",
      [](WriterTest& t, sim::mmc::EmulatedWriter& w) {
-         EXPECT_EQ(static_cast<CacheTest&>(t).sync(), 0u);
+         EXPECT_EQ(t.synchronizeCache(), 0u);
          w.holdStaleData(kLba, Bytes(sim::mmc::kSectorBytes, 0x3C));
      },
      0x3C, 0xA1, 0xA1},
@@ -46,7 +42,7 @@ TEST_F(CacheTest, PlainReadsMayComeFromTheCacheForcedReadsFromTheMedium) {
         SCOPED_TRACE(row.name);
         writer->clearFaults();
         loadWritable(MediaKind::DvdPlusRw);
-        ASSERT_EQ(writeAt(0xA1), 0u);
+        ASSERT_EQ(write(kLba, 1, 0xA1), 0u);
         row.setup(*this, *writer);
         Bytes plain, forced;
         ASSERT_EQ(read(kLba, 1, false, plain), 0u);
@@ -77,27 +73,17 @@ TEST_F(CacheTest, AForcedReadFlushesOnlyTheSectorsItCovers) {
     EXPECT_EQ(writer->mediumSector(12), filled(1, 0));
 }
 
-TEST(WriterCache, AFullCachePushesItsOldestSectorsToTheMedium) {
-    testsupport::ScopedVirtualClock clock(0);
+TEST_F(CacheTest, AFullCachePushesItsOldestSectorsToTheMedium) {
     sim::mmc::WriterConfig config;
     config.cacheSectors = 4;
-    auto writer = sim::mmc::registerEmulatedWriter("\\\\.\\SimCacheSmall", config);
-    DiscModel disc = sim::mmc::discOf(MediaKind::DvdPlusRw);
-    disc.status = sim::mmc::DiscStatus::Complete;
-    writer->insertDisc(disc);
-    clock.advance(config.spinUpMilliseconds);
-    const _SCSI_PATH path{};
-    for (uint32_t lba = 0; lba < 6; ++lba) {
-        const Bytes data(sim::mmc::kSectorBytes, static_cast<uint8_t>(lba + 1));
-        ASSERT_EQ(
-            kivscsi::WriteBlocksEx(path, "\\\\.\\SimCacheSmall", data.data(), 2048, lba, 1, 300),
-            0u);
-    }
+    renewWriter(config);
+    loadWritable(MediaKind::DvdPlusRw);
+    for (uint32_t lba = 0; lba < 6; ++lba)
+        ASSERT_EQ(write(lba, 1, static_cast<uint8_t>(lba + 1)), 0u);
     EXPECT_EQ(writer->snapshot().dirtyCacheSectors, 4u);
-    EXPECT_EQ(writer->mediumSector(0), Bytes(2048, 1));
-    EXPECT_EQ(writer->mediumSector(1), Bytes(2048, 2));
-    EXPECT_EQ(writer->mediumSector(2), Bytes(2048, 0));
-    os::unregisterEmulatedDevice("\\\\.\\SimCacheSmall");
+    EXPECT_EQ(writer->mediumSector(0), filled(1, 1));
+    EXPECT_EQ(writer->mediumSector(1), filled(1, 2));
+    EXPECT_EQ(writer->mediumSector(2), filled(1, 0));
 }
 
 TEST_F(CacheTest, EjectingPutsCachedSectorsOnTheDisc) {

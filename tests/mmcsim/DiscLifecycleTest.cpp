@@ -130,8 +130,7 @@ TEST_F(WriterTest, ReadOnlyDiscsRefuseEveryRecordingCommand) {
     EXPECT_EQ(write(0, 1, 1), 0x3005u);
     EXPECT_EQ(kivscsi::CloseTrack(path, kDevice), 0x3005u);
     EXPECT_EQ(kivscsi::Blank(path, kDevice, 1), 0x3005u);
-    const uint8_t list[12] = {0, 0, 0, 8, 0, 0, 0, 0, 0x26 << 2, 0, 0, 0};
-    EXPECT_EQ(kivscsi::FormatDvdUnit(path, kDevice, list, 12), 0x3006u);
+    EXPECT_EQ(format(0x26), 0x3006u);
 }
 
 }  // namespace

@@ -56,11 +56,9 @@ TEST_F(WriterTest, AUsedDiscCarriesItsUsageMarkerInSectorZero) {
 
 TEST_F(WriterTest, AUsedAppendableDiscIsWrittenAfterItsMarker) {
     loadReady(used(MediaKind::DvdPlusR, 7, DiscStatus::Blank));
-    Bytes answer(48, 0);
-    uint32_t received = 0;
-    ASSERT_EQ(kivscsi::ReadTrackInformation(path, kDevice, 1, 0xFF, answer.data(), 48, &received),
-              0u);
-    const auto track = kivscsi::decodeTrackInformation(answer.data(), received);
+    const Answer answer = trackInformation(1, 0xFF);
+    ASSERT_EQ(answer.status, 0u);
+    const auto track = kivscsi::decodeTrackInformation(answer.data(), answer.received);
     ASSERT_TRUE(track);
     EXPECT_EQ(track->trackNumber, 2);
     EXPECT_TRUE(track->nextWritableValid);
@@ -70,19 +68,10 @@ TEST_F(WriterTest, AUsedAppendableDiscIsWrittenAfterItsMarker) {
     EXPECT_EQ(write(1, 1, 0x44), 0u);
 }
 
-class UntimedWriterTest : public WriterTest {
-protected:
-    UntimedWriterTest() : WriterTest(untimed()) {}
-    static sim::mmc::WriterConfig untimed() {
-        sim::mmc::WriterConfig config;
-        config.timed = false;
-        return config;
-    }
-};
-
-TEST_F(UntimedWriterTest, NothingTakesVirtualTime) {
-    const Bytes dvdPlusRwFormat = {0, 0, 0, 8, 0, 0, 0, 0, 0x26 << 2, 0, 0, 0};
-    const Bytes bdReFormat = {0, 0, 0, 8, 0, 0, 0, 0, 0x30 << 2, 0, 0, 0};
+TEST_F(WriterTest, AnUntimedWriterLetsNoVirtualTimePass) {
+    sim::mmc::WriterConfig untimed;
+    untimed.timed = false;
+    renewWriter(untimed);
     const struct {
         const char* name;
         MediaKind kind;
@@ -100,14 +89,8 @@ TEST_F(UntimedWriterTest, NothingTakesVirtualTime) {
          }},
         {"full blank", MediaKind::CdRw,
          [](WriterTest& t) { return kivscsi::Blank(t.path, kDevice, 0); }},
-        {"DVD+RW format", MediaKind::DvdPlusRw,
-         [&](WriterTest& t) {
-             return kivscsi::FormatDvdUnit(t.path, kDevice, dvdPlusRwFormat.data(), 12);
-         }},
-        {"BD-RE format", MediaKind::BdRe,
-         [&](WriterTest& t) {
-             return kivscsi::FormatDvdUnit(t.path, kDevice, bdReFormat.data(), 12);
-         }},
+        {"DVD+RW format", MediaKind::DvdPlusRw, [](WriterTest& t) { return t.format(0x26); }},
+        {"BD-RE format", MediaKind::BdRe, [](WriterTest& t) { return t.format(0x30); }},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -120,16 +103,6 @@ TEST_F(UntimedWriterTest, NothingTakesVirtualTime) {
                   row.kind == MediaKind::DvdPlusRw || row.kind == MediaKind::BdRe ? 3 : 0);
         EXPECT_EQ(clock.elapsedMilliseconds(), start);
     }
-}
-
-TEST_F(WriterTest, ATimedWriterChargesTheSameOperationsTime) {
-    writer->insertDisc(sim::mmc::discOf(MediaKind::DvdPlusR));
-    EXPECT_EQ(testUnitReady(), 0x0401u);
-    clock.advance(kSpinUpMs);
-    const uint64_t start = clock.elapsedMilliseconds();
-    ASSERT_EQ(write(0, 1000, 0x5A), 0u);
-    // 2,048,000 bytes at 22,160 kB/s.
-    EXPECT_EQ(clock.elapsedMilliseconds() - start, 92u);
 }
 
 }  // namespace

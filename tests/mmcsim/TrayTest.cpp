@@ -8,15 +8,6 @@
 namespace mmctest {
 namespace {
 
-kivscsi::MediaEvent mediaEvent(const _SCSI_PATH& path) {
-    Bytes answer(20, 0);
-    uint32_t received = 0;
-    EXPECT_EQ(kivscsi::GetEventStatusNotification(path, kDevice, true, 0x10, answer.data(), 20,
-                                                  &received),
-              0u);
-    return kivscsi::decodeMediaEvent(answer.data(), received).value_or(kivscsi::MediaEvent{});
-}
-
 TEST_F(WriterTest, ReadinessFollowsTheTrayOverTime) {
     const struct {
         const char* step;
@@ -104,12 +95,15 @@ TEST_F(WriterTest, MediaEventsReportEachChangeOnce) {
     for (const auto& row : rows) {
         SCOPED_TRACE(row.step);
         row.act(*this);
-        const auto event = mediaEvent(path);
-        EXPECT_FALSE(event.noEventAvailable);
-        EXPECT_EQ(event.notificationClass, 4);
-        EXPECT_EQ(event.eventCode, row.eventCode);
-        EXPECT_EQ(event.mediaPresent, row.present);
-        EXPECT_EQ(event.doorOpen, row.doorOpen);
+        const Answer answer = mediaEvents();
+        ASSERT_EQ(answer.status, 0u);
+        const auto event = kivscsi::decodeMediaEvent(answer.data(), answer.received);
+        ASSERT_TRUE(event);
+        EXPECT_FALSE(event->noEventAvailable);
+        EXPECT_EQ(event->notificationClass, 4);
+        EXPECT_EQ(event->eventCode, row.eventCode);
+        EXPECT_EQ(event->mediaPresent, row.present);
+        EXPECT_EQ(event->doorOpen, row.doorOpen);
     }
 }
 

@@ -4,16 +4,18 @@
 
 namespace mmctest {
 
-WriterTest::WriterTest() : WriterTest(sim::mmc::WriterConfig{}) {}
-
-WriterTest::WriterTest(sim::mmc::WriterConfig config) {
-    config.spinUpMilliseconds = kSpinUpMs;
-    writer = sim::mmc::registerEmulatedWriter(kDevice, config);
-}
+WriterTest::WriterTest() { renewWriter(); }
 
 WriterTest::~WriterTest() {
     os::unregisterEmulatedDevice(kDevice);
     writer.reset();
+}
+
+void WriterTest::renewWriter(sim::mmc::WriterConfig config) {
+    writer.reset();
+    os::unregisterEmulatedDevice(kDevice);
+    config.spinUpMilliseconds = kSpinUpMs;
+    writer = sim::mmc::registerEmulatedWriter(kDevice, config);
 }
 
 void WriterTest::loadReady(const DiscModel& disc) {
@@ -37,11 +39,63 @@ void WriterTest::loadWritable(MediaKind kind, uint32_t capacitySectors) {
 Status WriterTest::testUnitReady() { return kivscsi::TestUnitReady(path, kDevice); }
 
 uint16_t WriterTest::currentProfile() {
-    Bytes answer(512);
-    uint32_t received = 0;
-    EXPECT_EQ(kivscsi::GetConfiguration(path, kDevice, 2, 0, answer.data(), 512, &received), 0u);
-    const auto header = kivscsi::decodeFeatureHeader(answer.data(), received);
+    const Answer answer = configuration(0);
+    EXPECT_EQ(answer.status, 0u);
+    const auto header = kivscsi::decodeFeatureHeader(answer.data(), answer.received);
     return header ? header->currentProfile : 0xFFFF;
+}
+
+Answer WriterTest::configuration(uint16_t feature, uint16_t allocation) {
+    Answer a(allocation, 0xEE);
+    a.status =
+        kivscsi::GetConfiguration(path, kDevice, 2, feature, a.data(), allocation, &a.received);
+    return a;
+}
+
+Answer WriterTest::dvdStructure(uint8_t format, uint16_t allocation) {
+    Answer a(allocation);
+    a.status = kivscsi::ReadDvdStructure(path, kDevice, 0, 0, format, a.data(), allocation, 0,
+                                         &a.received);
+    return a;
+}
+
+Answer WriterTest::bdStructure() {
+    Answer a(260);
+    a.status = kivscsi::ReadBdStructure(path, kDevice, 0, 0, 0, a.data(), 260, 0, &a.received);
+    return a;
+}
+
+Answer WriterTest::atip() {
+    Answer a(804);
+    a.status = kivscsi::KIVR_ReadATIP(path, kDevice, 0, a.data(), 804, &a.received);
+    return a;
+}
+
+Answer WriterTest::modeSense(uint8_t page) {
+    Answer a(804);
+    a.status = kivscsi::KIVR_GetSenseData10(path, kDevice, page, a.data(), 804, &a.received);
+    return a;
+}
+
+Answer WriterTest::writeSpeeds(uint16_t descriptors, uint16_t allocation) {
+    Answer a(allocation);
+    a.status = kivscsi::GetWriteSpeedPerformance(path, kDevice, descriptors, a.data(), allocation,
+                                                 &a.received);
+    return a;
+}
+
+Answer WriterTest::mediaEvents() {
+    Answer a(20);
+    a.status =
+        kivscsi::GetEventStatusNotification(path, kDevice, true, 0x10, a.data(), 20, &a.received);
+    return a;
+}
+
+Answer WriterTest::trackInformation(uint8_t type, uint32_t address) {
+    Answer a(64);
+    a.status =
+        kivscsi::ReadTrackInformation(path, kDevice, type, address, a.data(), 64, &a.received);
+    return a;
 }
 
 kivscsi::DiscInformation WriterTest::discInformation() {
@@ -67,6 +121,15 @@ Status WriterTest::read(uint32_t lba, uint16_t count, bool forced, Bytes& out) {
 
 Status WriterTest::synchronizeCache() { return kivscsi::KIVR_SynchronizeCache(path, kDevice, 300); }
 
+Status WriterTest::format(uint8_t formatType, bool immediate) {
+    // The parameter list header (Immed in byte 1 bit 1), then one descriptor.
+    Bytes list(12, 0);
+    list[1] = immediate ? 0x02 : 0x00;
+    list[3] = 8;
+    list[8] = static_cast<uint8_t>(formatType << 2);
+    return kivscsi::FormatDvdUnit(path, kDevice, list.data(), 12);
+}
+
 Bytes WriterTest::requestSense() {
     auto opened = kivscsi::openTransport(kDevice);
     Bytes data(18, 0);
@@ -88,12 +151,9 @@ uint32_t WriterTest::requestSenseCode() {
 }
 
 uint16_t WriterTest::currentWriteSpeed() {
-    Bytes answer(804);
-    uint32_t received = 0;
-    if (kivscsi::KIVR_GetSenseData10(path, kDevice, 0x2A, answer.data(), 804, &received) != 0) {
-        return 0;
-    }
-    const auto page = kivscsi::findModePage(answer.data(), received, 0x2A);
+    const Answer answer = modeSense(0x2A);
+    if (answer.status != 0) return 0;
+    const auto page = kivscsi::findModePage(answer.data(), answer.received, 0x2A);
     if (!page) return 0;
     return kivscsi::decodeCurrentWriteSpeed(*page).value_or(0);
 }

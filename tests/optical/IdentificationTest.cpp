@@ -13,33 +13,22 @@ namespace op = sim::mmc::opcode;
 struct IdCase {
     const char* name;
     MediaKind kind;
-    std::string manufacturer, discId;        // as the disc carries them
-    std::optional<uint16_t> firstReadFails;  // the first structure read of each call answers this
+    std::string manufacturer, discId;                  // as the disc carries them
     std::string expectedManufacturer, expectedDiscId;  // "" when the read throws
     std::vector<uint8_t> formatsSent;                  // structure formats of both calls
+    // The first structure read of each call answers this.
+    std::optional<uint16_t> firstReadFails = std::nullopt;
 };
 
 TEST_F(OpticalDriveTest, DvdIdentifiersFallBackToPhysicalFormatOnlyWhenAdipIsRefused) {
+    using enum MediaKind;
+    const std::string zeroInMaker("AB\0CDEFG", 8), zeroInId("X\0Y", 3);
     const IdCase cases[] = {
-        {"plain", MediaKind::DvdPlusR, "RICOHJPN", "R03", {}, "RICOHJPN", "R03", {0x11, 0x11}},
+        {"plain", DvdPlusR, "RICOHJPN", "R03", "RICOHJPN", "R03", {0x11, 0x11}},
         // DVD-R has no ADIP: both come from the physical format information.
-        {"blanks trimmed",
-         MediaKind::DvdMinusR,
-         "  MKM   ",
-         " G1",
-         {},
-         "MKM",
-         "G1",
-         {0x11, 0x00, 0x11, 0x00}},
-        {"cut at a zero byte",
-         MediaKind::DvdPlusR,
-         std::string("AB\0CDEFG", 8),
-         std::string("X\0Y", 3),
-         {},
-         "AB",
-         "X",
-         {0x11, 0x11}},
-        {"other error", MediaKind::DvdPlusR, "RICOHJPN", "R03", 0x3100, "", "", {0x11, 0x11}},
+        {"blanks trimmed", DvdMinusR, "  MKM   ", " G1", "MKM", "G1", {0x11, 0x00, 0x11, 0x00}},
+        {"cut at a zero byte", DvdPlusR, zeroInMaker, zeroInId, "AB", "X", {0x11, 0x11}},
+        {"other error", DvdPlusR, "RICOHJPN", "R03", "", "", {0x11, 0x11}, 0x3100},
     };
     for (const IdCase& c : cases) {
         SCOPED_TRACE(c.name);
@@ -100,12 +89,8 @@ TEST_F(OpticalDriveTest, BluRayIdentifiersAndCdAtipTimes) {
               (std::vector<std::string>{"1354 Manufacturer Id : VERBAT", "1393 Disc Id : IM0",
                                         "1479 Lead In : 97:27:21", "1506 Lead Out : 79:59:71"}));
     fail(op::kReadTocPmaAtip, 0x2400, 1);
-    try {
-        drive->getLeadInTime();
-        ADD_FAILURE() << "no exception";
-    } catch (const kivrlibdrive::FailedRetrivingATIPInfo& failure) {
-        EXPECT_EQ(failure.getStatus(), 0x2400u);
-    }
+    EXPECT_EQ(thrownStatus<kivrlibdrive::FailedRetrivingATIPInfo>([&] { drive->getLeadInTime(); }),
+              0x2400u);
 }
 
 }  // namespace

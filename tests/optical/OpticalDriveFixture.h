@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,28 @@ public:
     using WindowsOpticalDrive::wroteFlag;
     const kivrlibdrive::DiskGeometry& diskGeometry() const { return geometry; }
 };
+
+// The message of the `E` that `call` throws; empty when it throws nothing.
+template <typename E, typename Call>
+std::string thrownMessage(Call call) {
+    try {
+        call();
+    } catch (const E& thrown) {
+        return thrown.getMessage().toUtf8();
+    }
+    return "";
+}
+
+// The status of the `E` that `call` throws; none when it throws nothing.
+template <typename E, typename Call>
+std::optional<unsigned int> thrownStatus(Call call) {
+    try {
+        call();
+    } catch (const E& thrown) {
+        return thrown.getStatus();
+    }
+    return std::nullopt;
+}
 
 class OpticalDriveTest : public ::testing::Test {
 public:

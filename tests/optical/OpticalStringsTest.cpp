@@ -1,6 +1,6 @@
-// The optical test's settings and texts: the library's defaults, and every string and event of
-// the strings class with its key, its variables (numbers as numbers, statuses as "%04X"
-// texts), whether it is returned, reported as progress or raised, and its source line.
+// The optical test's texts: every string and event of the strings class with its key, its
+// variables (numbers as numbers, statuses as "%04X" texts), whether it is returned, reported as
+// progress or raised, and its source line.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -20,25 +20,6 @@ class HostStrings : public WindowsOpticalDriveStrings {
 public:
     QuelString mediaName() override { return L"DVD+RW"; }
     QuelString promptTitle() override { return L"Optical test"; }
-};
-
-class HostParameters : public kivrlibdrive::WindowsOpticalDriveParameters {
-public:
-    bool checkRequiredMedia() override { return true; }
-    bool blankMediaOnly() override { return true; }
-    bool promptUserForMedia() override { return true; }
-    bool eraseNonBlankMedia() override { return true; }
-    unsigned int eraseTimeSeconds() override { return 1; }
-    bool eraseMediaAfterTest() override { return true; }
-    bool notifyEraseOnAbort() override { return true; }
-    long long totalSectorsToTest() override { return 1; }
-    quel5::Value approvedMediaIds() override { return {}; }
-    bool qualifiedMediaRerunAllowed() override { return true; }
-    bool checkForqualifiedMedia() override { return true; }
-    unsigned int maxMediaPrompts() override { return 0; }
-    bool ejectMediaAtEnd() override { return true; }
-    bool checkWritableMedia() override { return true; }
-    bool failOnMediaProblems() override { return true; }
 };
 
 // "KEY{Name=Value,...}": a key and its variables as the recording host writes them.
@@ -170,14 +151,6 @@ TEST(OpticalStringsTest, NumbersAreNumbersAndStatusesAreTexts) {
     const auto event = host.events().back();
     EXPECT_EQ(event.get(L"WriteSector").kind(), quel5::Value(77ULL).kind());
     EXPECT_EQ(event.get(L"ScsiError1").kind(), quel5::Value(L"0C00").kind());
-}
-
-TEST(OpticalStringsTest, TheLibraryDefaultsOfTheParameters) {
-    HostParameters parameters;
-    EXPECT_FALSE(parameters.useRegex());
-    EXPECT_FALSE(parameters.reRunNonQualMediaFailure());
-    EXPECT_FALSE(parameters.limitMediaUsage());
-    EXPECT_EQ(parameters.mediaUsageLimitNumber(), 999999u);
 }
 
 }  // namespace

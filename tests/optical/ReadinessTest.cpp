@@ -38,6 +38,10 @@ public:
         fail(op::kTestUnitReady, 0x4400);
         fail(op::kStartStopUnit, 0x4400);
     }
+    void lockedDisc() {
+        loadReady(MediaKind::CdR);
+        drive->lockTray();
+    }
     void capacityUnreadable() {
         loadReady(MediaKind::DvdPlusR);
         fail(op::kReadCapacity, 0x4400);
@@ -80,12 +84,8 @@ TEST_F(ReadinessTest, AStopRequestEndsEitherWait) {
         writer->clearFaults();
         setup(*this);
         host.stopAfterPolls(0);
-        try {
-            drive->makeSureUnitIsReady();
-            ADD_FAILURE() << "no abort";
-        } catch (const kivrlibdrive::UserAborted& aborted) {
-            EXPECT_EQ(aborted.getMessage().toUtf8(), "Test Cancelled by the user");
-        }
+        EXPECT_EQ(thrownMessage<kivrlibdrive::UserAborted>([&] { drive->makeSureUnitIsReady(); }),
+                  "Test Cancelled by the user");
         EXPECT_EQ(host.stopPolls(), 1u);
         host.neverStop();
         host.clear();
@@ -94,23 +94,17 @@ TEST_F(ReadinessTest, AStopRequestEndsEitherWait) {
 
 struct EjectCase {
     const char* name;
-    std::function<void(OpticalDriveTest&)> setup;
-    std::optional<unsigned int> error;  // the EjectError's status, if one is thrown
+    std::function<void(ReadinessTest&)> setup;
     size_t ejectCommands;
     uint64_t elapsedMs;
+    std::optional<unsigned int> error = std::nullopt;  // the EjectError's status, if thrown
 };
 
 TEST_F(ReadinessTest, EjectTriesFiveTimesAndFailsOnlyWhenTheTrayStaysShut) {
     const EjectCase cases[] = {
-        {"disc ejects", [](OpticalDriveTest& t) { t.loadReady(MediaKind::CdR); }, std::nullopt, 1,
-         4000},
-        {"removal prevented",
-         [](OpticalDriveTest& t) {
-             t.loadReady(MediaKind::CdR);
-             t.drive->lockTray();
-         },
-         0x5302, 5, 10000},
-        {"drive gone", [](OpticalDriveTest& t) { t.writer->disappear(); }, 0xAB10, 5, 10000},
+        {"disc ejects", [](ReadinessTest& t) { t.loadReady(MediaKind::CdR); }, 1, 4000},
+        {"removal prevented", &ReadinessTest::lockedDisc, 5, 10000, 0x5302},
+        {"drive gone", [](ReadinessTest& t) { t.writer->disappear(); }, 5, 10000, 0xAB10},
     };
     for (const EjectCase& c : cases) {
         SCOPED_TRACE(c.name);
@@ -120,13 +114,7 @@ TEST_F(ReadinessTest, EjectTriesFiveTimesAndFailsOnlyWhenTheTrayStaysShut) {
         c.setup(*this);
         writer->clearHistory();
         const uint64_t start = elapsedMs();
-        std::optional<unsigned int> error;
-        try {
-            drive->ejectDisc();
-        } catch (const kivrlibdrive::EjectError& failure) {
-            error = failure.getStatus();
-        }
-        EXPECT_EQ(error, c.error);
+        EXPECT_EQ(thrownStatus<kivrlibdrive::EjectError>([&] { drive->ejectDisc(); }), c.error);
         size_t ejects = 0;
         for (const auto& cdb : commands(op::kStartStopUnit)) ejects += (cdb[4] & 0x03) == 0x02;
         EXPECT_EQ(ejects, c.ejectCommands);
@@ -181,9 +169,7 @@ TEST_F(ReadinessTest, ResetForASecondRunStartsAfresh) {
     EXPECT_EQ(drive->getHandle(), reinterpret_cast<void*>(~uintptr_t{0}));
     EXPECT_FALSE(drive->readFlag);
     EXPECT_FALSE(drive->wroteFlag);
-    const kiv::Array<unsigned int> speeds = drive->getSupportedWriteSpeeds();
-    ASSERT_EQ(speeds.size(), 1u);
-    EXPECT_EQ(speeds[0], 0xFFFFu);
+    EXPECT_EQ(drive->getSupportedWriteSpeeds(), (kiv::Array<unsigned int>{0xFFFF}));
 }
 
 TEST_F(ReadinessTest, ExclusiveAccessKeepsTheHandleEnteredUntilReleasedOrDestroyed) {
@@ -207,12 +193,9 @@ TEST_F(ReadinessTest, ExclusiveAccessKeepsTheHandleEnteredUntilReleasedOrDestroy
 TEST_F(ReadinessTest, AnUnopenableDeviceRaisesInvalidDriveHandle) {
     quel5::DiagDevice missing(QuelString(L"\\\\.\\NoSuchOpticalDrive"));
     kivrlibdrive::WindowsOpticalDrive nowhere(missing);
-    try {
-        nowhere.getExclusiveDriveAccess();
-        ADD_FAILURE() << "no exception";
-    } catch (const kivrlibdrive::InvalidHandle& failure) {
-        EXPECT_EQ(failure.getMessage().toUtf8(), "Invalid Handle : Failed to get the drive handle");
-    }
+    EXPECT_EQ(
+        thrownMessage<kivrlibdrive::InvalidHandle>([&] { nowhere.getExclusiveDriveAccess(); }),
+        "Invalid Handle : Failed to get the drive handle");
     const auto events = host.events();
     ASSERT_EQ(events.size(), 1u);
     EXPECT_EQ(events[0].key, "INVALID_DRIVE_HANDLE");

@@ -42,15 +42,9 @@ TEST_F(OpticalDriveTest, RecordedDevicesDecodeAsTheDiscsTheyHeld) {
         bool present = !c.present;
         EXPECT_TRUE(replayed.isMediaPresentGESN(present));
         EXPECT_EQ(present, c.present);
-        EXPECT_FALSE(replayed.isMediaCopyProtected());
-        std::string error;
-        try {
-            replayed.getDriveGeometry();
-            EXPECT_EQ(replayed.getBytesPerSector(), 2048u);
-        } catch (const kiv::Exception& failure) {
-            error = failure.getMessage().toUtf8();
-        }
-        EXPECT_EQ(error, c.geometryError ? c.geometryError : "");
+        EXPECT_EQ(thrownMessage<kiv::Exception>([&] { replayed.getDriveGeometry(); }),
+                  c.geometryError ? c.geometryError : "");
+        EXPECT_EQ(replayed.getBytesPerSector(), c.geometryError ? 0u : 2048u);
         bool identified = true;
         try {
             replayed.getDiscManufacturerID();
@@ -58,8 +52,6 @@ TEST_F(OpticalDriveTest, RecordedDevicesDecodeAsTheDiscsTheyHeld) {
             identified = false;
         }
         EXPECT_EQ(identified, c.dvdIdentified);
-        // No pressed disc carries an ATIP.
-        EXPECT_THROW(replayed.getLeadInTime(), kivrlibdrive::FailedRetrivingATIPInfo);
         if (c.complete) {
             std::vector<uint8_t> sector(2048);
             replayed.readSectors(16, 1, sector.data(), 2048, false);

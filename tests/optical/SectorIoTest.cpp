@@ -79,13 +79,9 @@ TEST_F(SectorIoTest, ReadsRetryForTenSecondsFallBackFromFuaAndStopWhenTheDeviceI
 TEST_F(SectorIoTest, AStopRequestEndsAReadBeforeItIsSent) {
     host.stopAfterPolls(0);
     uint8_t buffer[2048];
-    try {
-        drive->readSectors(kLba, 1, buffer, sizeof(buffer), false);
-        ADD_FAILURE() << "no abort";
-    } catch (const kivrlibdrive::UserAborted& aborted) {
-        EXPECT_EQ(aborted.getMessage().toUtf8(),
-                  "Test Aborted by the user during the Reading process");
-    }
+    EXPECT_EQ(thrownMessage<kivrlibdrive::UserAborted>(
+                  [&] { drive->readSectors(kLba, 1, buffer, sizeof(buffer), false); }),
+              "Test Aborted by the user during the Reading process");
     EXPECT_TRUE(commands(op::kRead12).empty());
 }
 
@@ -138,13 +134,9 @@ TEST_F(SectorIoTest, WritesRetryForTwentySecondsOrNinetyWhileTheDriveIsBusy) {
 TEST_F(SectorIoTest, AnUnreadableTableOfContentsAsksForARerun) {
     fail(op::kWrite10, 0x5700);
     const std::vector<uint8_t> data(2048, 0x5A);
-    try {
-        drive->writeSectors(kLba, 1, data.data(), 2048);
-        ADD_FAILURE() << "no exception";
-    } catch (const kivrlibdrive::InvalidMediaException& failure) {
-        EXPECT_EQ(failure.getMessage().toUtf8(),
-                  "The drive could not read the Table of Contents from the Media.");
-    }
+    EXPECT_EQ(thrownMessage<kivrlibdrive::InvalidMediaException>(
+                  [&] { drive->writeSectors(kLba, 1, data.data(), 2048); }),
+              "The drive could not read the Table of Contents from the Media.");
     const auto events = host.events();
     ASSERT_EQ(events.size(), 1u);
     EXPECT_EQ(events[0].key, "RERUN_TEST");
@@ -184,14 +176,9 @@ TEST_F(SectorIoTest, FlushRetriesForTwentySeconds) {
         if (c.failures != 0)
             fail(op::kSynchronizeCache, 0x0300, c.failures == 0xFFFFFFFF ? 0 : c.failures);
         const uint64_t start = elapsedMs();
-        bool passed = true;
-        try {
-            drive->flushCache();
-        } catch (const kivrlibdrive::TestFailedException& failure) {
-            passed = false;
-            EXPECT_EQ(failure.getStatus(), 0x0300u);
-        }
-        EXPECT_EQ(passed, c.passed);
+        const auto status =
+            thrownStatus<kivrlibdrive::TestFailedException>([&] { drive->flushCache(); });
+        EXPECT_EQ(status, c.passed ? std::nullopt : std::optional<unsigned int>(0x0300));
         std::vector<std::string> expected(c.failedLines, "1208 Failed Synchronize cache ");
         if (c.passed) expected.push_back("1204 Passed Synchronize cache ");
         EXPECT_EQ(logged(2), expected);

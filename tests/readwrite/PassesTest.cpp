@@ -41,43 +41,42 @@ TEST_F(PassesTest, EachWayAPassEndsGivesItsResultEventAndLog) {
     const std::string stopped = "closeTrack(0) unlockTray releaseExclusiveAccess";
     const std::string failed = "unlockTray releaseExclusiveAccess";
     const std::string crc = "COMMUNICATION_CRC_ERROR";
-    const struct {
+    struct Case {
         std::function<void()> setup;
-        unsigned int maxErrors;
         R result;
         std::string events;
         std::string line;  // logged at priority 4
         std::string tail;  // the last drive calls
-    } cases[] = {
-        {[&] { host.stopAfterPolls(1); }, 0, R::USERABORTED, "", "",
+        unsigned int maxErrors = 0;
+    };
+    const Case cases[] = {
+        {[&] { host.stopAfterPolls(1); }, R::USERABORTED, "", "",
          "writeSectors(0) flushCache " + stopped},
-        {[&] { host.stopAfterPolls(4); }, 0, R::USERABORTED, "", "",
+        {[&] { host.stopAfterPolls(4); }, R::USERABORTED, "", "",
          "flushCache closeTrack(0) " + stopped},
-        {writeFails(0, 0x0803), 0, R::FAIL, crc, "1372 " + kCrcWriting,
-         "writeSectors(0) " + failed},
-        {writeFails(10, 0x0803), 0, R::FAIL, crc, "1372 " + kCrcWriting.substr(10), failed},
-        {writeFails(kCrcWriting.size(), 0x0803), 0, R::FAIL, crc, "1372 ", failed},
-        {writeFails(2, 0x0408), 0, R::TIMEDOUT, "LONG_WRITE_IN_PROGRESS_ERROR",
+        {writeFails(0, 0x0803), R::FAIL, crc, "1372 " + kCrcWriting, "writeSectors(0) " + failed},
+        {writeFails(10, 0x0803), R::FAIL, crc, "1372 " + kCrcWriting.substr(10), failed},
+        {writeFails(kCrcWriting.size(), 0x0803), R::FAIL, crc, "1372 ", failed},
+        {writeFails(2, 0x0408), R::TIMEDOUT, "LONG_WRITE_IN_PROGRESS_ERROR",
          "1385 The test never recovered from the LONG WRITE IN PROGRESS.",
          "writeSectors(0) releaseExclusiveAccess"},
-        {writeFails(0, 0x5700), 0, R::INCORRECTMEDIA, "INCORRECT_MEDIA_INSERTED", "1360 ",
+        {writeFails(0, 0x5700), R::INCORRECTMEDIA, "INCORRECT_MEDIA_INSERTED", "1360 ",
          "writeSectors(0) releaseExclusiveAccess unlockTray ejectDisc"},
-        {writeFails(3, 0x0C00), 0, R::FAIL, "DRIVE_SCSI_WRITE_FAILURE",
+        {writeFails(3, 0x0C00), R::FAIL, "DRIVE_SCSI_WRITE_FAILURE",
          "804 Failed to write to sector 3: 3072", "writeSectors(0) flushCache " + failed},
         // The write error counts on into the verify pass, whose mismatch is the second error.
-        {writeFails(3, 0x0C00), 1, R::FAIL, "DRIVE_SCSI_WRITE_FAILURE DATA_COMPARE_FAILED",
-         "1372 Data Comparison Failed", failed},
-        {readFails(0, 0x0803), 0, R::FAIL, crc, "1372 " + kCrcReading, "readSectors(0) " + failed},
-        {readFails(1, 0x1100), 0, R::FAIL, "RW_TEST_READ_ERROR",
+        {writeFails(3, 0x0C00), R::FAIL, "DRIVE_SCSI_WRITE_FAILURE DATA_COMPARE_FAILED",
+         "1372 Data Comparison Failed", failed, 1},
+        {readFails(0, 0x0803), R::FAIL, crc, "1372 " + kCrcReading, "readSectors(0) " + failed},
+        {readFails(1, 0x1100), R::FAIL, "RW_TEST_READ_ERROR",
          "939 Failed to read from sector 1: 4352", "readSectors(0) " + failed},
-        {readFails(1, 0x1100), 2, R::FAIL,
-         "RW_TEST_READ_ERROR RW_TEST_READ_ERROR RW_TEST_READ_ERROR",
-         "1372 The test has failed because of too may read errors.", failed},
-        {staleCache(true), 0, R::PASS, "",
+        {readFails(1, 0x1100), R::FAIL, "RW_TEST_READ_ERROR RW_TEST_READ_ERROR RW_TEST_READ_ERROR",
+         "1372 The test has failed because of too may read errors.", failed, 2},
+        {staleCache(true), R::PASS, "",
          "951 Data in the cache did not match the write buffer at sector 1",
          "readSectors(0) readSectors(1) readSectorsFUA(1) readSectors(2) readSectors(3) "
          "unlockTray"},
-        {staleCache(false), 0, R::FAIL, "DATA_COMPARE_FAILED", "1372 Data Comparison Failed",
+        {staleCache(false), R::FAIL, "DATA_COMPARE_FAILED", "1372 Data Comparison Failed",
          "readSectors(1) readSectorsFUA(1) " + failed},
     };
     for (const auto& c : cases) {

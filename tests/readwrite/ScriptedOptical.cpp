@@ -82,22 +82,18 @@ bool ReadWriteFixture::wasLogged(int priority, const std::string& line) const {
     return std::find(lines.begin(), lines.end(), line) != lines.end();
 }
 
-namespace {
-
 std::string joined(const std::vector<std::string>& items, std::size_t from) {
     std::string text;
     for (std::size_t i = from; i < items.size(); ++i) text += (i == from ? "" : " ") + items[i];
     return text;
 }
 
-}  // namespace
-
 std::string ReadWriteFixture::lastCalls(std::size_t count) const {
     const std::size_t size = drive.calls.size();
     return joined(drive.calls, count == 0 || count > size ? 0 : size - count);
 }
 
-std::string ReadWriteFixture::eventKeys() const { return joined(host.eventKeys(), 0); }
+std::string ReadWriteFixture::eventKeys() const { return joined(host.eventKeys()); }
 
 std::size_t ReadWriteFixture::callCount(const std::string& name) const {
     return static_cast<std::size_t>(std::count_if(

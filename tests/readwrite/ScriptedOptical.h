@@ -153,6 +153,9 @@ public:
     unsigned int GetMaxErrors() override { return maxErrors; }
 };
 
+// `items` from index `from` on, joined by blanks.
+std::string joined(const std::vector<std::string>& items, std::size_t from = 0);
+
 class ReadWriteFixture : public ::testing::Test {
 public:
     ReadWriteFixture();
