@@ -6,7 +6,6 @@
 #include <cstring>
 #include <filesystem>
 #include <limits>
-#include <memory>
 #include <new>
 #include <ostream>
 #include <string>
@@ -101,7 +100,6 @@ TEST_F(BlockDeviceDriveTest, GeometryFollowsFileSizeAndSectorSizeProperty) {
     const Case cases[] = {
         {"default 512", kMiB, 0, 512, 2048, 2048},
         {"partial sector at the end ignored", kMiB + 300, 0, 512, 2048, 2048},
-        {"4096 from the property", kMiB, 4096, 4096, 256, 256},
         {"2048 from the property", kMiB + 2047, 2048, 2048, 512, 512},
         {"smaller than one sector", 511, 0, 512, 0, 2048},
     };
@@ -114,7 +112,6 @@ TEST_F(BlockDeviceDriveTest, GeometryFollowsFileSizeAndSectorSizeProperty) {
         EXPECT_EQ(drive->GetOptimalReadAmount(), c.optimalReadAmount);
         EXPECT_EQ(drive->GetSectorsPerTrack(), 63u);
         EXPECT_FALSE(drive->IsWriteProtected());
-        EXPECT_NE(drive->GetHandle(), kivrlibdrive::invalidDriveHandle());
     }
 }
 
@@ -157,7 +154,6 @@ TEST_F(BlockDeviceDriveTest, ReadsReturnTheImageBytesAtTheSectorsAsked) {
         {"first sector", 512, 0, 1, 0},
         {"last sector", 512, 8191, 1, 0},
         {"last sector, unaligned buffer", 512, 8191, 1, 1},
-        {"few sectors, unaligned buffer", 512, 5, 3, 1},
         {"1 MiB aligned", 512, 100, 2048, 0},
         {"more than one bounce, unaligned", 512, 100, 3000, 1},
         {"up to the end, unaligned", 512, 7000, 1192, 3},
@@ -304,7 +300,7 @@ TEST_F(BlockDeviceDriveTest, ReadOnlyImageIsWriteProtectedAndNeverWritten) {
     // Refused before any write, so that a test never counts failed writes instead.
     EXPECT_EQ(drive->lock(), TestResult::DEVICEBUSY);
     EXPECT_EQ(host_.eventKeys(), std::vector<std::string>{"DeviceBusy"});
-    EXPECT_NE(drive->lockFailure().find("read-only"), std::string::npos) << drive->lockFailure();
+    EXPECT_EQ(drive->lockFailure(), image.text() + " is read-only (write-protected)");
     const std::vector<uint8_t> data = filled(512, 0x77);
     EXPECT_EQ(drive->WriteSectors(0, 1, data.data(), 512), TestResult::DEVICEBUSY);
     drive->unLock();
@@ -403,18 +399,6 @@ TEST_F(BlockDeviceDriveTest, HandleFollowsOpenAndClose) {
         EXPECT_EQ(drive->FlushCache(), step.flush);
         EXPECT_EQ(buffer == imageBytes(7 * 512, 512), step.read == TestResult::PASS);
     }
-}
-
-TEST_F(BlockDeviceDriveTest, HandleClosedBehindTheDrivesBackEndsTheTest) {
-    TempImage image("gone", kMiB, ImageFill::OffsetBytes);
-    const quel5::DiagDevice device = deviceAt(image.text());
-    std::string error;
-    std::unique_ptr<kivrlibdrive::Drive> drive = host::openBlockDrive(device, &error);
-    ASSERT_NE(drive, nullptr) << error;
-    os::closeNativeHandle(host::blockdevice::fromDriveHandle(drive->GetHandle()));
-    std::vector<uint8_t> buffer(512);
-    EXPECT_EQ(drive->ReadSectors(0, 1, buffer.data(), 512), TestResult::INTERNALERROR);
-    drive->CloseDevice();
 }
 
 }  // namespace

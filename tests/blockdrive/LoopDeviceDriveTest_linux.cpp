@@ -187,23 +187,4 @@ TEST_F(LoopDeviceDriveTest, DeviceShrunkDuringASweepFailsTheLostBlocksInOrder) {
     }
 }
 
-TEST_F(LoopDeviceDriveTest, ReadOnlyDeviceRefusesTheLockBeforeAnyWrite) {
-    TempImage image("loopro", kImageBytes, ImageFill::OffsetBytes);
-    LoopDevice loop(image.text(), "--read-only");
-    ASSERT_FALSE(loop.path().empty());
-    OpenedDrive drive(loop.path());
-    ASSERT_TRUE(drive->IsWriteProtected());
-    const unsigned long long writesBefore = loop.writesDone();
-
-    EXPECT_EQ(drive->lock(), TestResult::DEVICEBUSY);
-    EXPECT_EQ(host_.eventKeys(), std::vector<std::string>{"DeviceBusy"});
-    EXPECT_EQ(drive->lockFailure(), loop.path() + " is read-only (write-protected)");
-    const std::vector<uint8_t> data(512, 0x3C);
-    EXPECT_EQ(drive->WriteSectors(1, 1, data.data(), 512), TestResult::DEVICEBUSY)
-        << "a refused lock leaves nothing locked";
-    drive->unLock();
-    EXPECT_EQ(loop.writesDone(), writesBefore);
-    EXPECT_EQ(image.bytes(), imageBytes(0, kImageBytes));
-}
-
 }  // namespace
