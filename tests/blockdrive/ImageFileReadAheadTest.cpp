@@ -45,11 +45,8 @@ TEST_F(ImageFileReadAheadTest, SweepsReadTheRightDataAheadOfEveryBlock) {
     };
     const Case cases[] = {
         {"the drive's own read amount, whole image", 12 * kMiB, 0, 0, 2048, 2048, 2},
-        {"small blocks, whole image", 4 * kMiB, 0, 0, 64, 64, 2},
-        {"a stride of four blocks", 4 * kMiB, 0, 0, 256, 64, 3},
         {"a last block cut short", 4 * kMiB + 7 * kSector, 0, 0, 64, 64, 2},
         {"a range inside the image", 4 * kMiB, 1000, 5000, 96, 96, 2},
-        {"overlapping blocks", 2 * kMiB, 0, 0, 40, 64, 3},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
