@@ -62,12 +62,9 @@ TEST_F(TransportTest, FailuresReportedByTheTargetOrTheClock) {
     gone.sense = {0x70, 0, 0x02, 0, 0, 0, 0, 10, 0, 0, 0, 0, 0x3A, 0x00};
     scsitest::Reply slow;
     slow.costMs = 10'001;
-    scsitest::Reply busy;
-    busy.scsiStatus = kivscsi::kScsiBusy;
     const std::vector<Case> cases = {
         {"device gone", gone, kivscsi::kStatusDeviceGone},
         {"read slower than its timeout", slow, kivscsi::kStatusTimedOut},
-        {"busy", busy, kivscsi::kStatusDeviceBusy},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
