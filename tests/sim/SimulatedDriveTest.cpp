@@ -104,7 +104,6 @@ TEST(SectorFaults, LowestFailingSectorOfASpanDecidesTheReadResult) {
         {90, 11, TestResult::FAIL},
         {115, 10, TestResult::FAIL},
         {120, 1, TestResult::INTERNALERROR},
-        {121, 100, TestResult::FAIL},
         {150, 50, std::nullopt},
         {150, 51, TestResult::INTERNALERROR},
         {209, 1, TestResult::INTERNALERROR},
