@@ -125,7 +125,6 @@ TEST_F(LoopDeviceDriveTest, SweepsReadAheadTheKernelDevicesData) {
     };
     const Case cases[] = {
         {"--direct-io=on", 512, 2048},
-        {"--direct-io=on", 512, 24},
         {"--direct-io=on --sector-size 4096", 4096, 256},
         {"--direct-io=off", 512, 128},
     };
