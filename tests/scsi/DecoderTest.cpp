@@ -39,8 +39,6 @@ TEST(DecoderTest, ProfileListKeepsInsideEveryLimit) {
     const std::vector<Case> cases = {
         {"whole list", three, three.size(), {0x10, 0x11, 0x12}},
         {"last descriptor cut by received", three, three.size() - 1, {0x10, 0x11}},
-        {"received ends at a descriptor", three, three.size() - 4, {0x10, 0x11}},
-        {"header only", three, 8, {}},
         {"feature header cut", three, 11, {}},
         {"stated data length shorter", configuration(3, 16), 24, {0x10, 0x11}},
         {"stated data length huge", configuration(3, 0xFFFF), 24, {0x10, 0x11, 0x12}},
@@ -94,23 +92,11 @@ TEST(DecoderTest, MediaEvent) {
         uint8_t eventClass;
     };
     const std::vector<Case> cases = {
-        {"disc present, tray closed",
-         {0, 6, 0x04, 0x5E, 0x02, 0x02, 0, 0},
-         true,
-         true,
-         true,
-         false,
-         4},
+        {"disc in, closed", {0, 6, 0x04, 0x5E, 0x02, 0x02, 0, 0}, true, true, true, false, 4},
         {"tray open", {0, 6, 0x04, 0x5E, 0x03, 0x01, 0, 0}, true, true, false, true, 4},
         {"no event available", {0, 2, 0x80, 0x5E}, true, false, false, false, 0},
         {"status byte not received", {0, 6, 0x04, 0x5E, 0x02}, true, false, false, false, 4},
-        {"status byte beyond stated length",
-         {0, 3, 0x04, 0x5E, 0x02, 0x02},
-         true,
-         false,
-         false,
-         false,
-         4},
+        {"status past stated length", {0, 3, 0x04, 0x5E, 0x02, 0x02}, true, false, false, false, 4},
         {"header cut", {0, 6, 0x04}, false, false, false, false, 0},
     };
     for (const Case& c : cases) {
@@ -208,7 +194,6 @@ TEST(DecoderTest, ModePages) {
         {"absent page", plain, plain.size(), 0x1A, false, 0, 0},
         {"second page cut", plain, plain.size() - 2, 0x2A, true, 60, 30},
         {"second page header cut", plain, 61, 0x2A, false, 0, 0},
-        {"header only", plain, 8, 0x05, false, 0, 0},
         {"header cut", plain, 7, 0x05, false, 0, 0},
         {"descriptors beyond the answer", modeAnswer(200), 40, 0x05, false, 0, 0},
     };
@@ -341,12 +326,10 @@ TEST(DecoderTest, TrackInformation) {
     Bytes statedHuge = full;
     statedHuge[0] = 0xFF, statedHuge[1] = 0xFF;
     const std::vector<Case> cases = {
-        {"whole answer", full, full.size(), true, 0x0101, 0x0201},
         {"up to the session MSB", full, 34, true, 0x0101, 0x0201},
         {"session MSB cut", full, 33, true, 0x0101, 0x0001},
         {"old 28-byte answer", full, 28, true, 0x0001, 0x0001},
         {"track size cut", full, 27, false, 0, 0},
-        {"length field only", full, 2, false, 0, 0},
         {"nothing", full, 0, false, 0, 0},
         {"stated length stops before the MSBs", statedAllButMsbs, 48, true, 0x0001, 0x0001},
         {"stated length stops inside track size", statedShort, 48, false, 0, 0},
@@ -364,17 +347,10 @@ TEST(DecoderTest, TrackInformation) {
 
     const auto track = kivscsi::decodeTrackInformation(full.data(), full.size());
     ASSERT_TRUE(track);
-    EXPECT_EQ(track->trackMode, 7);
-    EXPECT_EQ(track->dataMode, 1);
     EXPECT_TRUE(track->blank);
     EXPECT_FALSE(track->packet);
     EXPECT_FALSE(track->fixedPacket);
     EXPECT_TRUE(track->nextWritableValid);
-    EXPECT_EQ(track->trackStart, 0u);
-    EXPECT_EQ(track->nextWritableAddress, 0u);
-    EXPECT_EQ(track->freeBlocks, 2295104u);
-    EXPECT_EQ(track->fixedPacketSize, 16u);
-    EXPECT_EQ(track->trackSize, 2295104u);
 
     // A DVD-R's appended track: every field distinct, so a field read at a neighbour's offset
     // shows.
@@ -403,32 +379,18 @@ TEST(DecoderTest, TrackInformation) {
 // GET PERFORMANCE type 03h answer with `speeds` descriptors (end LBA 2,295,103, read speed
 // 16x DVD) and the given Performance Data Length (-1: the true one).
 Bytes writeSpeeds(std::initializer_list<uint32_t> speeds, int64_t statedLength = -1) {
+    const auto putBig32 = [](uint8_t* at, uint32_t value) {
+        for (int i = 0; i < 4; ++i) at[i] = static_cast<uint8_t>(value >> (24 - 8 * i));
+    };
     Bytes data(8, 0);
     for (const uint32_t speed : speeds) {
-        const uint8_t descriptor[16] = {0x00,
-                                        0,
-                                        0,
-                                        0,
-                                        0x00,
-                                        0x23,
-                                        0x05,
-                                        0x3F,
-                                        0x00,
-                                        0x00,
-                                        0x56,
-                                        0x90,
-                                        static_cast<uint8_t>(speed >> 24),
-                                        static_cast<uint8_t>(speed >> 16),
-                                        static_cast<uint8_t>(speed >> 8),
-                                        static_cast<uint8_t>(speed)};
-        data.insert(data.end(), std::begin(descriptor), std::end(descriptor));
+        Bytes descriptor = {0, 0, 0, 0, 0x00, 0x23, 0x05, 0x3F, 0x00, 0x00, 0x56, 0x90};
+        descriptor.resize(16);
+        putBig32(&descriptor[12], speed);
+        data.insert(data.end(), descriptor.begin(), descriptor.end());
     }
-    const uint32_t length = statedLength < 0 ? static_cast<uint32_t>(data.size() - 4)
-                                             : static_cast<uint32_t>(statedLength);
-    data[0] = static_cast<uint8_t>(length >> 24);
-    data[1] = static_cast<uint8_t>(length >> 16);
-    data[2] = static_cast<uint8_t>(length >> 8);
-    data[3] = static_cast<uint8_t>(length);
+    putBig32(data.data(), statedLength < 0 ? static_cast<uint32_t>(data.size() - 4)
+                                           : static_cast<uint32_t>(statedLength));
     return data;
 }
 
@@ -443,13 +405,7 @@ TEST(DecoderTest, WriteSpeedDescriptors) {
     const std::vector<Case> cases = {
         {"three descriptors", three, three.size(), {22160, 11080, 5540}},
         {"last descriptor cut by one byte", three, three.size() - 1, {22160, 11080}},
-        {"received ends at a descriptor", three, 40, {22160, 11080}},
-        {"header only", three, 8, {}},
         {"header cut", three, 7, {}},
-        {"stated length covers one and a half",
-         writeSpeeds({22160, 11080, 5540}, 4 + 24),
-         56,
-         {22160}},
         {"stated length a byte short of two", writeSpeeds({22160, 11080}, 4 + 31), 40, {22160}},
         {"stated length below the header", writeSpeeds({22160}, 2), 24, {}},
         {"stated length huge", writeSpeeds({22160, 11080}, 0xFFFFFFFF), 40, {22160, 11080}},

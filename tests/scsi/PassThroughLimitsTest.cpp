@@ -25,7 +25,6 @@ TEST(PassThroughLimits, TimeoutSecondsRoundUpWithoutWrapping) {
         {999, 1},
         {1000, 1},
         {1001, 2},
-        {60'000, 60},
         {4'294'966'296, 4'294'967},
         {4'294'966'297, 4'294'967},
         {4'294'967'295, 4'294'968},
@@ -60,7 +59,6 @@ TEST(PassThroughLimits, AdapterDescriptorGivesAlignmentAndLargestTransfer) {
     const Case cases[] = {
         {"byte aligned, 128 KiB, plenty of pages", descriptor(128 * 1024, 257, 0), 32,
          AdapterLimits{16, 128 * 1024}},
-        {"64-byte mask", descriptor(1 << 20, 4096, 63), 32, AdapterLimits{64, 1 << 20}},
         {"4 KiB alignment", descriptor(1 << 20, 4096, 4095), 32, AdapterLimits{4096, 1 << 20}},
         {"pages bound the transfer", descriptor(1 << 20, 17, 3), 32, AdapterLimits{16, 16 * 4096}},
         {"one page", descriptor(1 << 20, 1, 3), 32, AdapterLimits{16, 4096}},
