@@ -1,6 +1,7 @@
 #include "cli/Drivediag.h"
 
 #include <memory>
+#include <optional>
 
 #include "checksum/ChecksumFileMaker.h"
 #include "checksum/ChecksumSetup.h"
@@ -9,6 +10,7 @@
 #include "cli/DriveList.h"
 #include "cli/DriveOpening.h"
 #include "cli/ExitCodes.h"
+#include "cli/GuardedRun.h"
 #include "cli/Json.h"
 #include "cli/LibraryRegistration.h"
 #include "cli/LogSession.h"
@@ -29,7 +31,6 @@
 #include "cli/UndoRun.h"
 #include "drives/BlockDeviceDrive.h"
 #include "drives/RecordingDrive.h"
-#include "kiv/Exception.h"
 #include "libDrive/LibDrive.h"
 #include "optical/OpticalRun.h"
 #include "os/Clock.h"
@@ -205,17 +206,9 @@ int runTest(const CommandLine& line, const Console& console) {
         host->rangeResolved(range);
     };
     const uint64_t startMs = os::nowMilliseconds();
-    quel5::TestResult result;
-    try {
-        result = test->run(*opened.opened.drive, observer);
-    } catch (const kiv::Exception& e) {
-        console.err << "drivediag: the test ended with an exception: " << e.getMessage().toUtf8()
-                    << "\n";
-        return kExitSoftware;
-    } catch (const std::exception& e) {
-        console.err << "drivediag: the test ended with an exception: " << e.what() << "\n";
-        return kExitSoftware;
-    }
+    const std::optional<quel5::TestResult> result =
+        runGuarded(console, [&] { return test->run(*opened.opened.drive, observer); });
+    if (!result) return kExitSoftware;
     summary.elapsedMs = os::nowMilliseconds() - startMs;
     if (const std::string refusal = lockRefusalOf(*opened.opened.drive); !refusal.empty())
         console.err << "drivediag: the device was not locked: " << refusal << "\n";
@@ -226,8 +219,8 @@ int runTest(const CommandLine& line, const Console& console) {
     }
     summary.compareErrors = host->compareErrors();
     summary.percentReached = host->percentReached();
-    summary.result = result.name();
-    summary.exitCode = exitCodeFor(result);
+    summary.result = result->name();
+    summary.exitCode = exitCodeFor(*result);
     host->runFinished(summary);
     return writeReportFiles(line, header, summary, console) ? summary.exitCode : kExitReportFile;
 }

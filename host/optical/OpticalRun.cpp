@@ -1,9 +1,11 @@
 #include "optical/OpticalRun.h"
 
 #include <memory>
+#include <optional>
 
 #include "cli/ConsoleHost.h"
 #include "cli/ExitCodes.h"
+#include "cli/GuardedRun.h"
 #include "cli/LibraryRegistration.h"
 #include "cli/LogSession.h"
 #include "cli/RunScope.h"
@@ -125,13 +127,11 @@ OpticalOutcome runOpticalTest(const CommandLine& line, const Console& console) {
     host->deviceDescribed(*outcome.header);
 
     const uint64_t startMs = os::nowMilliseconds();
-    quel5::TestResult result;
-    try {
+    const std::optional<quel5::TestResult> result = runGuarded(console, [&] {
         kivrlibdrive::ReadWriteTest test(drive, parameters, strings);
-        result = test.Run();
-    } catch (const kiv::Exception& e) {
-        console.err << "drivediag: the test ended with an exception: " << e.getMessage().toUtf8()
-                    << "\n";
+        return test.Run();
+    });
+    if (!result) {
         outcome.exitCode = kExitSoftware;
         return outcome;
     }
@@ -144,9 +144,9 @@ OpticalOutcome runOpticalTest(const CommandLine& line, const Console& console) {
     summary.speeds = drive.speedsSet();
     summary.compareErrors = host->compareErrors();
     // The library's bar counts phases a run may skip; a run that passed went all the way.
-    summary.percentReached = result == quel5::TestResult::PASS ? 100 : host->percentReached();
-    summary.result = result.name();
-    summary.exitCode = exitCodeFor(result);
+    summary.percentReached = *result == quel5::TestResult::PASS ? 100 : host->percentReached();
+    summary.result = result->name();
+    summary.exitCode = exitCodeFor(*result);
     host->runFinished(summary);
     outcome.exitCode = summary.exitCode;
     outcome.summary = summary;
