@@ -16,19 +16,6 @@ quel5::Value RecordedVariables::get(const QuelString& name) const {
     return quel5::Value();
 }
 
-bool RecordedVariables::has(const QuelString& name) const {
-    for (const auto& entry : variables) {
-        if (entry.first == name) return true;
-    }
-    return false;
-}
-
-std::vector<std::string> RecordedVariables::names() const {
-    std::vector<std::string> found;
-    for (const auto& entry : variables) found.push_back(utf8(entry.first));
-    return found;
-}
-
 RecordingHost::RecordingHost() : defaultAnswer_(quel5::MB2_OK) {}
 
 RecordingHost::~RecordingHost() = default;

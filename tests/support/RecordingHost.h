@@ -32,9 +32,6 @@ struct RecordedVariables {
 
     // The value of `name`, or a value of kind NONE when the variable was not set.
     quel5::Value get(const QuelString& name) const;
-    bool has(const QuelString& name) const;
-    // The variable names in order, as UTF-8.
-    std::vector<std::string> names() const;
 };
 
 struct EventReport : RecordedVariables {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Hold.h"
+#include "LockedVolume_windows.h"
 #include "VolumeLocking.h"
 #include "os/DeviceControl.h"
 #include "os/Utf8.h"
@@ -169,15 +170,6 @@ std::unique_ptr<Hold> lockImage(const std::wstring& image, HANDLE driveHandle,
 }
 
 // A single volume (\\.\E:) locked and dismounted through the drive's handle on it.
-class LockedVolume final : public Hold {
-public:
-    explicit LockedVolume(HANDLE volume) : volume_(volume) {}
-    ~LockedVolume() override { control(volume_, FSCTL_UNLOCK_VOLUME); }
-
-private:
-    HANDLE volume_;  // the drive's, not owned
-};
-
 std::unique_ptr<Hold> lockVolumeThrough(const std::wstring& volume, HANDLE driveHandle,
                                         std::wstring& failure) {
     uint32_t error = control(driveHandle, FSCTL_LOCK_VOLUME);
