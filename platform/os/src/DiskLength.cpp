@@ -1,16 +1,15 @@
 #include "DiskLength.h"
 
+#include "os/LittleEndian.h"
+
 namespace os::detail {
 
 std::optional<uint64_t> lengthFromAnswer(const void* answer, size_t returned) {
     if (answer == nullptr || returned < sizeof(uint64_t)) {
         return std::nullopt;
     }
-    const auto* bytes = static_cast<const unsigned char*>(answer);
-    uint64_t length = 0;
-    for (size_t i = sizeof(uint64_t); i-- > 0;) {
-        length = (length << 8) | bytes[i];
-    }
+    const uint64_t length =
+        littleEndian(static_cast<const unsigned char*>(answer), sizeof(uint64_t));
     if ((length >> 63) != 0) {
         return std::nullopt;
     }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "os/LittleEndian.h"
+
 namespace kivscsi::detail {
 namespace {
 
@@ -9,11 +11,6 @@ constexpr size_t kDefaultAlignment = 16;
 // 64 KiB: what every adapter handled long before descriptors were asked.
 constexpr uint32_t kDefaultMaxTransfer = 64 * 1024;
 constexpr uint64_t kPageBytes = 4096;
-
-uint32_t dwordAt(const unsigned char* bytes, size_t offset) {
-    return uint32_t{bytes[offset]} | uint32_t{bytes[offset + 1]} << 8 |
-           uint32_t{bytes[offset + 2]} << 16 | uint32_t{bytes[offset + 3]} << 24;
-}
 
 }  // namespace
 
@@ -34,17 +31,17 @@ std::optional<AdapterLimits> adapterLimitsFromDescriptor(const void* answer, siz
         return std::nullopt;
     }
     const auto* bytes = static_cast<const unsigned char*>(answer);
-    const uint32_t mask = dwordAt(bytes, kAlignmentMask);
+    const uint32_t mask = os::littleEndian32(bytes + kAlignmentMask);
     if ((uint64_t{mask} & (uint64_t{mask} + 1)) != 0) {
         return std::nullopt;
     }
     AdapterLimits limits;
     limits.alignment = std::max<size_t>(kDefaultAlignment, size_t{mask} + 1);
-    uint64_t maxTransfer = dwordAt(bytes, kMaximumTransferLength);
+    uint64_t maxTransfer = os::littleEndian32(bytes + kMaximumTransferLength);
     if (maxTransfer == 0) {
         maxTransfer = kDefaultMaxTransfer;  // not reported
     }
-    const uint32_t pages = dwordAt(bytes, kMaximumPhysicalPages);
+    const uint32_t pages = os::littleEndian32(bytes + kMaximumPhysicalPages);
     if (pages >= 2) {
         maxTransfer = std::min<uint64_t>(maxTransfer, (uint64_t{pages} - 1) * kPageBytes);
     } else if (pages == 1) {

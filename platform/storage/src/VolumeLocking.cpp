@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "os/LittleEndian.h"
+
 namespace libStorage::detail {
 namespace {
 
@@ -11,8 +13,7 @@ constexpr size_t kExtentBytes = 24;
 constexpr uint32_t kMostExtents = 4096;
 
 uint32_t dwordAt(const std::vector<unsigned char>& bytes, size_t offset) {
-    return uint32_t{bytes[offset]} | uint32_t{bytes[offset + 1]} << 8 |
-           uint32_t{bytes[offset + 2]} << 16 | uint32_t{bytes[offset + 3]} << 24;
+    return os::littleEndian32(bytes.data() + offset);
 }
 
 // Errors that say a volume is not a disk volume or holds no medium: it cannot lie on the
