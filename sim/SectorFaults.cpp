@@ -1,20 +1,15 @@
 #include "sim/SectorFaults.h"
 
 #include <algorithm>
-#include <bit>
 #include <limits>
 
 namespace sim {
-
-std::size_t SectorFaults::kindOf(SectorFault fault) {
-    return static_cast<std::size_t>(std::countr_zero(static_cast<unsigned>(fault)));
-}
 
 void SectorFaults::addSpan(uint64_t first, uint64_t count, SectorFault fault) {
     if (count == 0) {
         return;
     }
-    Spans& spans = spans_[kindOf(fault)];
+    Spans& spans = spans_[static_cast<std::size_t>(fault)];
     uint64_t end = first + std::min(count, std::numeric_limits<uint64_t>::max() - first);
     // Swallow every span that overlaps or touches [first, end), widening the new one to cover
     // them, beginning with the one that starts at or before `first`.
@@ -40,7 +35,7 @@ std::optional<uint64_t> SectorFaults::firstWith(uint64_t first, uint64_t count,
     if (count == 0) {
         return std::nullopt;
     }
-    const Spans& spans = spans_[kindOf(fault)];
+    const Spans& spans = spans_[static_cast<std::size_t>(fault)];
     auto it = spans.upper_bound(first);
     if (it != spans.begin() && std::prev(it)->second > first) {
         return first;  // inside a span that starts at or before `first`
@@ -56,7 +51,7 @@ bool SectorFaults::has(uint64_t sector, SectorFault fault) const {
 }
 
 std::size_t SectorFaults::spanCount(SectorFault fault) const {
-    return spans_[kindOf(fault)].size();
+    return spans_[static_cast<std::size_t>(fault)].size();
 }
 
 std::optional<quel5::TestResult> SectorFaults::readFailure(uint64_t first, uint64_t count) const {

@@ -13,11 +13,11 @@
 namespace sim {
 
 enum class SectorFault : uint8_t {
-    ReadFails = 1,          // a read covering the sector answers FAIL
-    ReadInternalError = 2,  // a read covering the sector answers INTERNALERROR
-    WriteFails = 4,         // a write covering the sector answers FAIL
-    Flaky = 8,              // every read after the first returns altered data
-    Forgetful = 16,         // writes are accepted but the sector keeps its old content
+    ReadFails,          // a read covering the sector answers FAIL
+    ReadInternalError,  // a read covering the sector answers INTERNALERROR
+    WriteFails,         // a write covering the sector answers FAIL
+    Flaky,              // every read after the first returns altered data
+    Forgetful,          // writes are accepted but the sector keeps its old content
 };
 
 class SectorFaults {
@@ -46,8 +46,7 @@ private:
     // First sector -> one past the last, sorted, neither overlapping nor touching.
     using Spans = std::map<uint64_t, uint64_t>;
 
-    static constexpr std::size_t kKinds = 5;
-    static std::size_t kindOf(SectorFault fault);
+    static constexpr std::size_t kKinds = static_cast<std::size_t>(SectorFault::Forgetful) + 1;
     // The first sector in [first, first + count) carrying `fault`, if there is one.
     std::optional<uint64_t> firstWith(uint64_t first, uint64_t count, SectorFault fault) const;
 
