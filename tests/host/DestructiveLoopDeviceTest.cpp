@@ -47,29 +47,11 @@ std::string describe(const std::vector<std::size_t>& sectors) {
     return text.str();
 }
 
-// A loop device over an image of random data, both removed at the end of a test.
-class LoopImage {
-public:
-    LoopImage()
-        : image_("destructive", kImageBytes, testsupport::ImageFill::RandomWords),
-          loop_(image_.text()) {}
-
-    const std::string& path() const { return loop_.path(); }
-    // The image's bytes as the loop device left them: it writes through the image's page
-    // cache, so a read of the file sees every write the device has completed.
-    Bytes contents() const { return image_.bytes(); }
-    unsigned long long writesDone() const { return loop_.writesDone(); }
-
-private:
-    testsupport::TempImage image_;
-    testsupport::LoopDevice loop_;
-};
-
 // Requests a stop, as Ctrl-C does, once the device has completed `writes` more write requests:
 // a point certainly inside the test's writing, whatever the machine's speed.
 class StopAfterWrites {
 public:
-    StopAfterWrites(const LoopImage& device, unsigned long long writes)
+    StopAfterWrites(const testsupport::LoopImage& device, unsigned long long writes)
         : watcher_([this, &device, target = device.writesDone() + writes] {
               while (!done_.load()) {
                   if (device.writesDone() >= target) {
@@ -108,7 +90,7 @@ protected:
             GTEST_SKIP() << why;
         ASSERT_FALSE(loop_.path().empty());
     }
-    LoopImage loop_;
+    testsupport::LoopImage loop_{"destructive", kImageBytes, testsupport::ImageFill::RandomWords};
 };
 
 TEST_F(DestructiveLoopDeviceTest, WholeRunsGiveEveryByteBack) {
@@ -124,14 +106,14 @@ TEST_F(DestructiveLoopDeviceTest, WholeRunsGiveEveryByteBack) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.test + " " + c.sets.back());
-        const Bytes before = loop_.contents();
+        const Bytes before = loop_.image().bytes();
         const unsigned long long writesBefore = loop_.writesDone();
         const hosttest::RunOutput run =
             hosttest::runDrivediag(destructiveRun(c.test, loop_.path(), c.sets));
         EXPECT_EQ(run.exitCode, host::exitCodeFor(TestResult::PASS)) << run.lines.back();
         EXPECT_GE(loop_.writesDone() - writesBefore, c.leastWrites)
             << "fewer writes than a whole run makes";
-        const std::vector<std::size_t> changed = changedSectors(before, loop_.contents());
+        const std::vector<std::size_t> changed = changedSectors(before, loop_.image().bytes());
         EXPECT_TRUE(changed.empty()) << describe(changed);
     }
 }
@@ -153,7 +135,7 @@ TEST_F(DestructiveLoopDeviceTest, StoppedRunsGiveEveryByteBack) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.test + " stopped after " + std::to_string(c.stopAfterWrites) + " writes");
-        const Bytes before = loop_.contents();
+        const Bytes before = loop_.image().bytes();
         hosttest::RunOutput run;
         {
             const StopAfterWrites stop(loop_, c.stopAfterWrites);
@@ -162,7 +144,7 @@ TEST_F(DestructiveLoopDeviceTest, StoppedRunsGiveEveryByteBack) {
         EXPECT_EQ(run.exitCode, host::exitCodeFor(TestResult::USERABORTED)) << run.lines.back();
         EXPECT_EQ(run.countLinesWith("\"type\":\"percent\",\"percent\":100}"), 0u)
             << "the run ended before the stop";
-        const std::vector<std::size_t> changed = changedSectors(before, loop_.contents());
+        const std::vector<std::size_t> changed = changedSectors(before, loop_.image().bytes());
         EXPECT_TRUE(changed.empty()) << describe(changed);
     }
 }
@@ -170,11 +152,11 @@ TEST_F(DestructiveLoopDeviceTest, StoppedRunsGiveEveryByteBack) {
 // Without PreserveData the pattern test leaves its sectors zeroed: proof that the comparisons
 // above see what the tests write, and that sector 0 is spared even then.
 TEST_F(DestructiveLoopDeviceTest, WithoutPreserveDataTestedSectorsAreLeftZeroed) {
-    const Bytes before = loop_.contents();
+    const Bytes before = loop_.image().bytes();
     const hosttest::RunOutput run = hosttest::runDrivediag(destructiveRun(
         "pattern", loop_.path(), {"PreserveData=false", "EndRange=MIN+1MB", "NumberOfSeeks=16"}));
     ASSERT_EQ(run.exitCode, host::exitCodeFor(TestResult::PASS)) << run.out;
-    const Bytes after = loop_.contents();
+    const Bytes after = loop_.image().bytes();
     const std::vector<std::size_t> changed = changedSectors(before, after);
     EXPECT_FALSE(changed.empty());
     EXPECT_LE(changed.size(), 16u) << describe(changed);

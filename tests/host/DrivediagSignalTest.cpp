@@ -112,23 +112,6 @@ TEST(DrivediagSignal, EveryTerminationSignalStopsTheTestOnASimulatedDrive) {
     }
 }
 
-// A loop device over an image of random data, detached and removed at the end.
-class RandomLoop {
-public:
-    RandomLoop()
-        : image_("signal", kImageBytes, testsupport::ImageFill::RandomWords),
-          loop_(image_.text()) {}
-
-    const std::string& path() const { return loop_.path(); }
-    // The loop device writes through the image's page cache: the file shows every completed write.
-    std::string contents() const { return image_.contents(); }
-    unsigned long long writesDone() const { return loop_.writesDone(); }
-
-private:
-    testsupport::TempImage image_;
-    testsupport::LoopDevice loop_;
-};
-
 class DrivediagSignalLoop : public testing::Test {
 protected:
     void SetUp() override {
@@ -161,7 +144,7 @@ protected:
         return run.wait();
     }
 
-    RandomLoop loop_;
+    testsupport::LoopImage loop_{"signal", kImageBytes, testsupport::ImageFill::RandomWords};
     std::string journal_ = temporary("undo.journal");
     std::string output_ = temporary("loop.jsonl");
 };
@@ -178,18 +161,18 @@ TEST_F(DrivediagSignalLoop, TermAndHangUpGiveTheDeviceBackUnchanged) {
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.test + " " + strsignal(c.signal));
-        const std::string before = loop_.contents();
+        const std::string before = loop_.image().contents();
         EXPECT_EQ(signalAfterWrites(c.test, c.signal, c.writes),
                   host::exitCodeFor(quel5::TestResult::USERABORTED))
             << testsupport::fileContents(output_);
-        EXPECT_TRUE(loop_.contents() == before);
+        EXPECT_TRUE(loop_.image().contents() == before);
         // A run that gave every byte back leaves no journal behind.
         EXPECT_FALSE(std::filesystem::exists(journal_));
     }
 }
 
 TEST_F(DrivediagSignalLoop, KilledAtRandomMomentsRestoreGivesEveryByteBack) {
-    const std::string original = loop_.contents();
+    const std::string original = loop_.image().contents();
     std::mt19937 random(20240612);
     for (int round = 0; round < 6; ++round) {
         const std::string test = round % 2 == 0 ? "pattern" : "cache";
@@ -201,7 +184,7 @@ TEST_F(DrivediagSignalLoop, KilledAtRandomMomentsRestoreGivesEveryByteBack) {
         Process restore({"restore", journal_}, output_);
         EXPECT_EQ(restore.wait(), host::exitCodeFor(quel5::TestResult::PASS))
             << testsupport::fileContents(output_);
-        EXPECT_TRUE(loop_.contents() == original);
+        EXPECT_TRUE(loop_.image().contents() == original);
         EXPECT_FALSE(std::filesystem::exists(journal_));
     }
 }

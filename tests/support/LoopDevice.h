@@ -6,7 +6,10 @@
 //         GTEST_SKIP() << why;
 #pragma once
 
+#include <cstdint>
 #include <string>
+
+#include "support/TempFile.h"
 
 namespace testsupport {
 
@@ -39,6 +42,23 @@ public:
 
 private:
     std::string path_;
+};
+
+// A loop device over a new temporary image, both removed when the object ends. The device
+// writes through the image's page cache, so image() shows every write it has completed.
+class LoopImage {
+public:
+    LoopImage(const std::string& hint, uint64_t bytes, ImageFill fill)
+        : image_(hint, bytes, fill), loop_(image_.text()) {}
+
+    // "/dev/loopN", or "" when attaching failed.
+    const std::string& path() const { return loop_.path(); }
+    const TempImage& image() const { return image_; }
+    unsigned long long writesDone() const { return loop_.writesDone(); }
+
+private:
+    TempImage image_;
+    LoopDevice loop_;
 };
 
 // `device`'s filesystem mounted on a new directory in the temporary directory; unmounted and the
