@@ -16,9 +16,8 @@ namespace {
 constexpr uint16_t kCdR = 0x0009, kCdRw = 0x000A;
 constexpr uint16_t kDvdMinusR = 0x0011, kDvdRam = 0x0012;
 constexpr uint16_t kDvdMinusRwOverwrite = 0x0013, kDvdMinusRwSequential = 0x0014;
-constexpr uint16_t kDvdMinusRDualLayer = 0x0015, kDvdMinusRDualLayerJump = 0x0016;
-constexpr uint16_t kDvdPlusRw = 0x001A, kDvdPlusR = 0x001B, kDvdPlusRDualLayer = 0x002B;
-constexpr uint16_t kBdRSequential = 0x0041, kBdRRandom = 0x0042, kBdRe = 0x0043;
+constexpr uint16_t kDvdMinusRDualLayer = 0x0015;
+constexpr uint16_t kDvdPlusRw = 0x001A, kBdRe = 0x0043;
 constexpr uint16_t kHdDvdRam = 0x0052;
 // Written in place rather than appended to.
 constexpr std::initializer_list<uint16_t> kOverwritable = {kDvdRam, kDvdMinusRwOverwrite,
@@ -91,20 +90,21 @@ bool HostOpticalDrive::profileIs(std::initializer_list<uint16_t> profiles) {
     return current != 0 && std::find(profiles.begin(), profiles.end(), current) != profiles.end();
 }
 
-bool HostOpticalDrive::CDRDisc() { return profileIs({kCdR}); }
-bool HostOpticalDrive::CDRWDisc() { return profileIs({kCdRw}); }
-bool HostOpticalDrive::DvdminusrDisc() { return profileIs({kDvdMinusR}); }
-bool HostOpticalDrive::DvdminusrwDisc() {
-    return profileIs({kDvdMinusRwOverwrite, kDvdMinusRwSequential});
+bool HostOpticalDrive::mediumIs(std::string_view option) {
+    const OpticalMedium* medium = mediumOfProfile(currentProfile());
+    return medium != nullptr && medium->option == option;
 }
-bool HostOpticalDrive::DvdminusrDLDisc() {
-    return profileIs({kDvdMinusRDualLayer, kDvdMinusRDualLayerJump});
-}
-bool HostOpticalDrive::DvdplusrDisc() { return profileIs({kDvdPlusR}); }
-bool HostOpticalDrive::DvdplusrwDisc() { return profileIs({kDvdPlusRw}); }
-bool HostOpticalDrive::DvdplusrDLDisc() { return profileIs({kDvdPlusRDualLayer}); }
-bool HostOpticalDrive::BdrDisc() { return profileIs({kBdRSequential, kBdRRandom}); }
-bool HostOpticalDrive::BdreDisc() { return profileIs({kBdRe}); }
+
+bool HostOpticalDrive::CDRDisc() { return mediumIs("cd-r"); }
+bool HostOpticalDrive::CDRWDisc() { return mediumIs("cd-rw"); }
+bool HostOpticalDrive::DvdminusrDisc() { return mediumIs("dvd-r"); }
+bool HostOpticalDrive::DvdminusrwDisc() { return mediumIs("dvd-rw"); }
+bool HostOpticalDrive::DvdminusrDLDisc() { return mediumIs("dvd-r-dl"); }
+bool HostOpticalDrive::DvdplusrDisc() { return mediumIs("dvd+r"); }
+bool HostOpticalDrive::DvdplusrwDisc() { return mediumIs("dvd+rw"); }
+bool HostOpticalDrive::DvdplusrDLDisc() { return mediumIs("dvd+r-dl"); }
+bool HostOpticalDrive::BdrDisc() { return mediumIs("bd-r"); }
+bool HostOpticalDrive::BdreDisc() { return mediumIs("bd-re"); }
 bool HostOpticalDrive::RWDisc() {
     const OpticalMedium* medium = mediumOfProfile(currentProfile());
     return medium != nullptr && medium->rewritable;

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "drives/OperationRecord.h"
@@ -70,6 +71,8 @@ public:
 
 private:
     bool profileIs(std::initializer_list<uint16_t> profiles);
+    // Whether the disc in the drive is of the media table's kind `option` ("dvd+rw").
+    bool mediumIs(std::string_view option);
     // The FORMAT UNIT parameters of a format of type `formatType` of the disc in the drive.
     kivrlibdrive::tag_CBlankingThreadParms quickFormat(uint8_t formatType);
     // The track the next write goes to (the invisible or incomplete one).
