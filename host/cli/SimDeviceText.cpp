@@ -4,6 +4,8 @@
 #include <cctype>
 #include <limits>
 
+#include "cli/TextParts.h"
+
 namespace host {
 namespace {
 
@@ -20,19 +22,6 @@ std::string lower(std::string_view text) {
     return out;
 }
 
-// The whole of `text` as a decimal number.
-std::optional<uint64_t> parseNumber(std::string_view text) {
-    if (text.empty()) return std::nullopt;
-    uint64_t value = 0;
-    for (char c : text) {
-        if (c < '0' || c > '9') return std::nullopt;
-        const uint64_t digit = static_cast<uint64_t>(c - '0');
-        if (value > (std::numeric_limits<uint64_t>::max() - digit) / 10) return std::nullopt;
-        value = value * 10 + digit;
-    }
-    return value;
-}
-
 struct Size {
     uint64_t amount = 0;
     bool inSectors = false;
@@ -40,7 +29,7 @@ struct Size {
 
 std::optional<Size> parseSize(std::string_view text) {
     const std::size_t digits = text.find_first_not_of("0123456789");
-    const auto number = parseNumber(text.substr(0, digits));
+    const auto number = wholeNumber<uint64_t>(text.substr(0, digits));
     if (!number) return std::nullopt;
     const std::string unit = digits == std::string_view::npos ? "" : lower(text.substr(digits));
     if (unit == "s") return Size{*number, true};
@@ -115,7 +104,7 @@ private:
     bool sectorSize(std::string_view value) {
         if (sawSector_) return fail(error_, "sector= is given twice");
         sawSector_ = true;
-        const auto size = parseNumber(value);
+        const auto size = wholeNumber<uint64_t>(value);
         if (!size || *size < 512 || *size > 65536 || (*size & (*size - 1)) != 0)
             return fail(error_, "sector=" + std::string(value) +
                                     ": the sector size must be a power of two from 512 to 65536");
@@ -126,7 +115,7 @@ private:
     bool cost(std::string_view value) {
         if (sawCost_) return fail(error_, "cost= is given twice");
         sawCost_ = true;
-        const auto ms = parseNumber(value);
+        const auto ms = wholeNumber<uint64_t>(value);
         if (!ms || *ms > kMaxCostMs)
             return fail(error_, "cost=" + std::string(value) +
                                     ": the cost must be a number of milliseconds up to 60000");
@@ -136,9 +125,10 @@ private:
 
     bool badSpan(std::string_view value) {
         const std::size_t plus = value.find('+');
-        const auto first = parseNumber(value.substr(0, plus));
-        const auto count = plus == std::string_view::npos ? std::optional<uint64_t>(1)
-                                                          : parseNumber(value.substr(plus + 1));
+        const auto first = wholeNumber<uint64_t>(value.substr(0, plus));
+        const auto count = plus == std::string_view::npos
+                               ? std::optional<uint64_t>(1)
+                               : wholeNumber<uint64_t>(value.substr(plus + 1));
         if (!first || !count)
             return fail(error_, "bad=" + std::string(value) + ": expected LBA or LBA+COUNT");
         if (*count == 0 || *count > kMaxSpan)
@@ -152,9 +142,9 @@ private:
         const std::size_t colon = value.find(':');
         if (plus >= colon || colon == std::string_view::npos)
             return fail(error_, "slow=" + std::string(value) + ": expected LBA+COUNT:MS");
-        const auto first = parseNumber(value.substr(0, plus));
-        const auto count = parseNumber(value.substr(plus + 1, colon - plus - 1));
-        const auto ms = parseNumber(value.substr(colon + 1));
+        const auto first = wholeNumber<uint64_t>(value.substr(0, plus));
+        const auto count = wholeNumber<uint64_t>(value.substr(plus + 1, colon - plus - 1));
+        const auto ms = wholeNumber<uint64_t>(value.substr(colon + 1));
         if (!first || !count || !ms)
             return fail(error_, "slow=" + std::string(value) + ": expected LBA+COUNT:MS");
         if (*count == 0 || *ms == 0 || *ms > kMaxCostMs)
@@ -165,7 +155,7 @@ private:
     }
 
     bool single(std::string_view value, const char* name, std::vector<uint64_t>& into) {
-        const auto sector = parseNumber(value);
+        const auto sector = wholeNumber<uint64_t>(value);
         if (!sector)
             return fail(error_, std::string(name) + "=" + std::string(value) +
                                     ": expected a sector number");
@@ -195,28 +185,22 @@ std::optional<SimDeviceDescription> parseSimDeviceText(std::string_view text, st
         fail(error, "a simulated drive is written sim:SIZE[,option=value]...");
         return std::nullopt;
     }
-    std::string_view rest = text.substr(kPrefix.size());
-    const std::size_t comma = rest.find(',');
-    const std::string_view sizeText = rest.substr(0, comma);
-    const auto size = parseSize(sizeText);
+    const std::vector<std::string_view> parts = partsOf(text.substr(kPrefix.size()), ',');
+    const auto size = parseSize(parts[0]);
     if (!size) {
-        fail(error, "\"" + std::string(sizeText) +
+        fail(error, "\"" + std::string(parts[0]) +
                         "\" is not a size (examples: 1GiB, 512MB, 4096s, 1048576)");
         return std::nullopt;
     }
     Parser parser(error);
-    rest = comma == std::string_view::npos ? std::string_view() : rest.substr(comma + 1);
-    while (comma != std::string_view::npos) {
-        const std::size_t next = rest.find(',');
-        const std::string_view item = rest.substr(0, next);
+    for (std::size_t i = 1; i < parts.size(); ++i) {
+        const std::string_view item = parts[i];
         const std::size_t equals = item.find('=');
         if (equals == std::string_view::npos) {
             fail(error, "\"" + std::string(item) + "\" is not an option=value pair");
             return std::nullopt;
         }
         if (!parser.option(item.substr(0, equals), item.substr(equals + 1))) return std::nullopt;
-        if (next == std::string_view::npos) break;
-        rest = rest.substr(next + 1);
     }
     if (!parser.finish(*size)) return std::nullopt;
     return parser.described();

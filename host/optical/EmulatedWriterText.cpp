@@ -1,8 +1,8 @@
 #include "optical/EmulatedWriterText.h"
 
 #include <algorithm>
-#include <charconv>
 
+#include "cli/TextParts.h"
 #include "optical/OpticalMedia.h"
 #include "sim/mmc/MediaKind.h"
 #include "sim/mmc/Opcodes.h"
@@ -42,21 +42,11 @@ std::optional<sim::mmc::MediaKind> kindNamed(std::string_view name) {
     return std::nullopt;
 }
 
-template <typename Number>
-std::optional<Number> number(std::string_view text, int base = 10) {
-    Number value{};
-    const auto [end, failure] =
-        std::from_chars(text.data(), text.data() + text.size(), value, base);
-    if (failure != std::errc() || end != text.data() + text.size() || text.empty())
-        return std::nullopt;
-    return value;
-}
-
 std::optional<sim::mmc::Msf> msfOf(std::string_view text) {
     if (text.size() != 8 || text[2] != ':' || text[5] != ':') return std::nullopt;
-    const auto minutes = number<uint8_t>(text.substr(0, 2));
-    const auto seconds = number<uint8_t>(text.substr(3, 2));
-    const auto frames = number<uint8_t>(text.substr(6, 2));
+    const auto minutes = wholeNumber<uint8_t>(text.substr(0, 2));
+    const auto seconds = wholeNumber<uint8_t>(text.substr(3, 2));
+    const auto frames = wholeNumber<uint8_t>(text.substr(6, 2));
     if (!minutes || !seconds || !frames || *seconds > 59 || *frames > 74) return std::nullopt;
     return sim::mmc::Msf{*minutes, *seconds, *frames};
 }
@@ -66,14 +56,7 @@ public:
     explicit Parser(std::string* error) : error_(error) {}
 
     std::optional<EmulatedWriterSetup> parse(std::string_view text) {
-        std::vector<std::string_view> parts;
-        std::size_t start = 0;
-        while (true) {
-            const std::size_t comma = text.find(',', start);
-            parts.push_back(text.substr(start, comma - start));
-            if (comma == std::string_view::npos) break;
-            start = comma + 1;
-        }
+        const std::vector<std::string_view> parts = partsOf(text, ',');
         if (parts.size() > kMaxOptions + 1) {
             fail("more than 64 options");
             return std::nullopt;
@@ -149,7 +132,7 @@ private:
     }
 
     bool uses(std::string_view value) {
-        const auto count = number<uint16_t>(value);
+        const auto count = wholeNumber<uint16_t>(value);
         if (!count) return fail("uses=" + std::string(value) + ": expected 0 to 65535");
         if (!needsDisc("uses")) return false;
         setup_.disc->usageCount = *count;
@@ -177,15 +160,12 @@ private:
     bool speeds(std::string_view value) {
         if (!needsDisc("speeds")) return false;
         std::vector<uint16_t> list;
-        std::size_t start = 0;
-        while (start <= value.size()) {
-            const std::size_t slash = std::min(value.find('/', start), value.size());
-            const auto speed = number<uint16_t>(value.substr(start, slash - start));
+        for (const std::string_view part : partsOf(value, '/')) {
+            const auto speed = wholeNumber<uint16_t>(part);
             if (!speed || *speed == 0 || *speed == 0xFFFF)
                 return fail("speeds=" + std::string(value) +
                             ": expected write speeds in kB/s from 1 to 65534, separated by /");
             list.push_back(*speed);
-            start = slash + 1;
         }
         std::sort(list.rbegin(), list.rend());
         setup_.disc->writeSpeeds = list;
@@ -193,7 +173,7 @@ private:
     }
 
     bool address(std::string_view name, std::string_view value) {
-        const auto at = number<uint32_t>(value);
+        const auto at = wholeNumber<uint32_t>(value);
         if (!at || (name == "vanish" && *at == 0))
             return fail(std::string(name) + "=" + std::string(value) +
                         (name == "vanish" ? ": expected a command count from 1"
@@ -218,7 +198,7 @@ private:
                         "flush, close, blank, format, ready, speed, any");
         std::string_view rest = value.substr(colon + 1);
         const std::size_t marks = std::min(rest.find_first_of("@#*"), rest.size());
-        const auto code = number<uint16_t>(rest.substr(0, marks), 16);
+        const auto code = wholeNumber<uint16_t>(rest.substr(0, marks), 16);
         if (!code || marks != 4 || *code == 0)
             return fail(shown + ": CODE is 4 hex digits, ASC and ASCQ (0C00)");
         sim::mmc::SenseFault planted;
@@ -230,7 +210,7 @@ private:
         while (!rest.empty()) {
             const char mark = rest[0];
             const std::size_t next = std::min(rest.find_first_of("@#*", 1), rest.size());
-            const auto amount = number<uint32_t>(rest.substr(1, next - 1));
+            const auto amount = wholeNumber<uint32_t>(rest.substr(1, next - 1));
             if (!amount || (mark == '#' && *amount == 0))
                 return fail(shown + ": @LBA, #N (from 1) and *TIMES take numbers");
             if (mark == '@') {

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+#include "cli/TextParts.h"
+
 namespace host {
 namespace {
 
@@ -69,10 +71,7 @@ std::optional<std::vector<uint16_t>> profilesOfList(std::string_view list, std::
         }
         return profiles;
     }
-    std::size_t start = 0;
-    while (start <= list.size()) {
-        const std::size_t comma = std::min(list.find(',', start), list.size());
-        const std::string_view name = list.substr(start, comma - start);
+    for (const std::string_view name : partsOf(list, ',')) {
         const OpticalMedium* medium = mediumNamed(name);
         if (medium == nullptr || !medium->writable) {
             *error = "--media: \"" + std::string(name) + "\" is not a writable kind of disc (" +
@@ -80,7 +79,6 @@ std::optional<std::vector<uint16_t>> profilesOfList(std::string_view list, std::
             return std::nullopt;
         }
         profiles.insert(profiles.end(), medium->profiles.begin(), medium->profiles.end());
-        start = comma + 1;
     }
     return profiles;
 }

@@ -1,8 +1,8 @@
 #include "optical/OpticalOptions.h"
 
-#include <charconv>
 #include <limits>
 
+#include "cli/TextParts.h"
 #include "optical/OpticalMedia.h"
 
 namespace host {
@@ -27,23 +27,9 @@ constexpr OptionRow kOptions[] = {
 // A decimal number from `minimum` to `maximum`.
 template <typename Number>
 std::optional<Number> numberIn(const std::string& text, Number minimum, Number maximum) {
-    Number value{};
-    const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (failure != std::errc() || end != text.data() + text.size() || value < minimum ||
-        value > maximum)
-        return std::nullopt;
+    const std::optional<Number> value = wholeNumber<Number>(text);
+    if (!value || *value < minimum || *value > maximum) return std::nullopt;
     return value;
-}
-
-std::vector<std::string> splitAtCommas(const std::string& text) {
-    std::vector<std::string> parts;
-    std::size_t start = 0;
-    while (true) {
-        const std::size_t comma = text.find(',', start);
-        parts.push_back(text.substr(start, comma - start));
-        if (comma == std::string::npos) return parts;
-        start = comma + 1;
-    }
 }
 
 class Reader {
@@ -110,12 +96,12 @@ private:
     }
 
     bool approved(const std::string& value) {
-        const std::vector<std::string> ids = splitAtCommas(value);
-        if (ids.size() % 2 != 0 || value.empty())
+        const std::vector<std::string_view> parts = partsOf(value, ',');
+        if (parts.size() % 2 != 0 || value.empty())
             return fail("--approved " + value +
                         ": expected pairs DISC-ID,MANUFACTURER-ID (for a CD the lead-in and "
                         "lead-out times, MM:SS:FF)");
-        options_.approved = ids;
+        options_.approved.assign(parts.begin(), parts.end());
         return true;
     }
 
