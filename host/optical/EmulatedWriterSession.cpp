@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "os/EmulatedDevice.h"
+#include "scsi/Opcodes.h"
 #include "sim/mmc/MediaKind.h"
-#include "sim/mmc/Opcodes.h"
 
 namespace host {
 
@@ -25,7 +25,7 @@ public:
     void execute(const kivscsi::ScsiCommand& command, kivscsi::ScsiResponse& response) override {
         if (vanishAt_ != 0 && ++commands_ == vanishAt_) writer_->disappear();
         writer_->execute(command, response);
-        const bool flushed = command.cdb[0] == sim::mmc::opcode::kSynchronizeCache &&
+        const bool flushed = command.cdb[0] == kivscsi::opcode::kSynchronizeCache &&
                              response.transportStatus == kivscsi::kStatusGood &&
                              response.scsiStatus == kivscsi::kScsiGood;
         if (!flushed) return;

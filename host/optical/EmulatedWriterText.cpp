@@ -4,8 +4,8 @@
 
 #include "cli/TextParts.h"
 #include "optical/OpticalMedia.h"
+#include "scsi/Opcodes.h"
 #include "sim/mmc/MediaKind.h"
-#include "sim/mmc/Opcodes.h"
 
 namespace host {
 namespace {
@@ -21,15 +21,15 @@ struct OperationName {
 // The verify pass reads with READ(10), and again with READ(12) and forced unit access, from the
 // medium, when what it read differs; writes are WRITE(10).
 constexpr OperationName kOperations[] = {
-    {"read", sim::mmc::opcode::kRead10},
-    {"fua-read", sim::mmc::opcode::kRead12},
-    {"write", sim::mmc::opcode::kWrite10},
-    {"flush", sim::mmc::opcode::kSynchronizeCache},
-    {"close", sim::mmc::opcode::kCloseTrackSession},
-    {"blank", sim::mmc::opcode::kBlank},
-    {"format", sim::mmc::opcode::kFormatUnit},
-    {"ready", sim::mmc::opcode::kTestUnitReady},
-    {"speed", sim::mmc::opcode::kSetCdSpeed},
+    {"read", kivscsi::opcode::kRead10},
+    {"fua-read", kivscsi::opcode::kRead12},
+    {"write", kivscsi::opcode::kWrite10},
+    {"flush", kivscsi::opcode::kSynchronizeCache},
+    {"close", kivscsi::opcode::kCloseTrackSession},
+    {"blank", kivscsi::opcode::kBlank},
+    {"format", kivscsi::opcode::kFormatUnit},
+    {"ready", kivscsi::opcode::kTestUnitReady},
+    {"speed", kivscsi::opcode::kSetCdSpeed},
     {"any", std::nullopt},
 };
 

@@ -3,7 +3,7 @@
 
 #include "Bytes.h"
 #include "Commands.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 
 namespace sim::mmc {
 namespace {
@@ -102,8 +102,8 @@ Reply getConfiguration(WriterState& state, const Command& command) {
 }  // namespace
 
 void addConfigurationCommands(HandlerTable& table) {
-    table[opcode::kInquiry] = inquiry;
-    table[opcode::kGetConfiguration] = getConfiguration;
+    table[kivscsi::opcode::kInquiry] = inquiry;
+    table[kivscsi::opcode::kGetConfiguration] = getConfiguration;
 }
 
 }  // namespace sim::mmc

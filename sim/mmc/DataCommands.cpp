@@ -2,7 +2,7 @@
 #include "Commands.h"
 #include "ModePages.h"
 #include "WriteParameters.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 
 namespace sim::mmc {
 namespace {
@@ -15,7 +15,7 @@ struct Transfer {
 
 Transfer transferOf(const Command& command) {
     const uint8_t* cdb = command.cdb.data();
-    const bool twelve = cdb[0] == opcode::kRead12 || cdb[0] == opcode::kWrite12;
+    const bool twelve = cdb[0] == kivscsi::opcode::kRead12 || cdb[0] == kivscsi::opcode::kWrite12;
     return Transfer{be32(&cdb[2]), twelve ? be32(&cdb[6]) : be16(&cdb[7]), (cdb[1] & 0x08) != 0};
 }
 
@@ -108,11 +108,11 @@ Reply synchronizeCache(WriterState& state, const Command& command) {
 }  // namespace
 
 void addDataCommands(HandlerTable& table) {
-    table[opcode::kRead10] = read;
-    table[opcode::kRead12] = read;
-    table[opcode::kWrite10] = write;
-    table[opcode::kWrite12] = write;
-    table[opcode::kSynchronizeCache] = synchronizeCache;
+    table[kivscsi::opcode::kRead10] = read;
+    table[kivscsi::opcode::kRead12] = read;
+    table[kivscsi::opcode::kWrite10] = write;
+    table[kivscsi::opcode::kWrite12] = write;
+    table[kivscsi::opcode::kSynchronizeCache] = synchronizeCache;
 }
 
 }  // namespace sim::mmc

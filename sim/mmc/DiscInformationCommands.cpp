@@ -1,6 +1,6 @@
 #include "Bytes.h"
 #include "Commands.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 
 namespace sim::mmc {
 namespace {
@@ -143,9 +143,9 @@ Reply readTocPmaAtip(WriterState& state, const Command& command) {
 }  // namespace
 
 void addDiscInformationCommands(HandlerTable& table) {
-    table[opcode::kReadCapacity] = readCapacity;
-    table[opcode::kReadDiscInformation] = readDiscInformation;
-    table[opcode::kReadTocPmaAtip] = readTocPmaAtip;
+    table[kivscsi::opcode::kReadCapacity] = readCapacity;
+    table[kivscsi::opcode::kReadDiscInformation] = readDiscInformation;
+    table[kivscsi::opcode::kReadTocPmaAtip] = readTocPmaAtip;
 }
 
 }  // namespace sim::mmc

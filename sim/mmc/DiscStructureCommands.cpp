@@ -2,7 +2,7 @@
 
 #include "Bytes.h"
 #include "Commands.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 
 namespace sim::mmc {
 namespace {
@@ -138,7 +138,7 @@ Reply readDiscStructure(WriterState& state, const Command& command) {
 }  // namespace
 
 void addDiscStructureCommands(HandlerTable& table) {
-    table[opcode::kReadDiscStructure] = readDiscStructure;
+    table[kivscsi::opcode::kReadDiscStructure] = readDiscStructure;
 }
 
 }  // namespace sim::mmc

@@ -7,7 +7,7 @@
 #include "Commands.h"
 #include "ModePages.h"
 #include "os/Clock.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 
 namespace sim::mmc {
 namespace {
@@ -16,11 +16,11 @@ uint64_t now() { return os::clock().monotonicMilliseconds(); }
 
 std::optional<SectorRange> sectorsOf(const std::array<uint8_t, 16>& cdb) {
     switch (cdb[0]) {
-        case opcode::kRead10:
-        case opcode::kWrite10:
+        case kivscsi::opcode::kRead10:
+        case kivscsi::opcode::kWrite10:
             return SectorRange{be32(&cdb[2]), be16(&cdb[7])};
-        case opcode::kRead12:
-        case opcode::kWrite12:
+        case kivscsi::opcode::kRead12:
+        case kivscsi::opcode::kWrite12:
             return SectorRange{be32(&cdb[2]), be32(&cdb[6])};
         default:
             return std::nullopt;
@@ -36,15 +36,15 @@ void sleepUntil(uint64_t deadlineMs) {
 
 // Commands a pending unit attention lets through untouched.
 bool passesUnitAttentionBy(uint8_t op) {
-    return op == opcode::kInquiry || op == opcode::kGetConfiguration ||
-           op == opcode::kGetEventStatusNotification;
+    return op == kivscsi::opcode::kInquiry || op == kivscsi::opcode::kGetConfiguration ||
+           op == kivscsi::opcode::kGetEventStatusNotification;
 }
 
 // The unit attention of a medium change, as the failure of the command that meets it or, for
 // REQUEST SENSE, as its sense data.
 Reply mediumChangeAttention(const Command& command) {
     const Sense attention = senseOf(code::kNotReadyToReadyChange);
-    if (command.cdb[0] != opcode::kRequestSense) return failure(attention);
+    if (command.cdb[0] != kivscsi::opcode::kRequestSense) return failure(attention);
     const auto data = fixedSenseData(attention);
     return answer({data.begin(), data.end()}, command.cdb[4]);
 }

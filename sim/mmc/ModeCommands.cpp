@@ -1,7 +1,7 @@
 #include "Bytes.h"
 #include "Commands.h"
 #include "ModePages.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 
 namespace sim::mmc {
 namespace {
@@ -48,9 +48,9 @@ Reply setCdSpeed(WriterState& state, const Command& command) {
 }  // namespace
 
 void addModeCommands(HandlerTable& table) {
-    table[opcode::kModeSense10] = modeSense10;
-    table[opcode::kModeSelect10] = modeSelect10;
-    table[opcode::kSetCdSpeed] = setCdSpeed;
+    table[kivscsi::opcode::kModeSense10] = modeSense10;
+    table[kivscsi::opcode::kModeSelect10] = modeSelect10;
+    table[kivscsi::opcode::kSetCdSpeed] = setCdSpeed;
 }
 
 }  // namespace sim::mmc

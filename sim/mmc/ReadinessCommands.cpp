@@ -1,6 +1,6 @@
 #include "Bytes.h"
 #include "Commands.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 
 namespace sim::mmc {
 namespace {
@@ -89,11 +89,11 @@ Reply getEventStatusNotification(WriterState& state, const Command& command) {
 }  // namespace
 
 void addReadinessCommands(HandlerTable& table) {
-    table[opcode::kTestUnitReady] = testUnitReady;
-    table[opcode::kRequestSense] = requestSense;
-    table[opcode::kStartStopUnit] = startStopUnit;
-    table[opcode::kPreventAllowMediumRemoval] = preventAllowMediumRemoval;
-    table[opcode::kGetEventStatusNotification] = getEventStatusNotification;
+    table[kivscsi::opcode::kTestUnitReady] = testUnitReady;
+    table[kivscsi::opcode::kRequestSense] = requestSense;
+    table[kivscsi::opcode::kStartStopUnit] = startStopUnit;
+    table[kivscsi::opcode::kPreventAllowMediumRemoval] = preventAllowMediumRemoval;
+    table[kivscsi::opcode::kGetEventStatusNotification] = getEventStatusNotification;
 }
 
 }  // namespace sim::mmc

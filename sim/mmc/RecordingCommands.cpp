@@ -1,7 +1,7 @@
 #include "Bytes.h"
 #include "Commands.h"
 #include "ModePages.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 
 namespace sim::mmc {
 namespace {
@@ -67,10 +67,10 @@ Reply sendOpcInformation(WriterState& state, const Command& command) {
 }  // namespace
 
 void addRecordingCommands(HandlerTable& table) {
-    table[opcode::kBlank] = blank;
-    table[opcode::kFormatUnit] = formatUnit;
-    table[opcode::kCloseTrackSession] = closeTrackSession;
-    table[opcode::kSendOpcInformation] = sendOpcInformation;
+    table[kivscsi::opcode::kBlank] = blank;
+    table[kivscsi::opcode::kFormatUnit] = formatUnit;
+    table[kivscsi::opcode::kCloseTrackSession] = closeTrackSession;
+    table[kivscsi::opcode::kSendOpcInformation] = sendOpcInformation;
 }
 
 }  // namespace sim::mmc

@@ -1,6 +1,6 @@
 #include "Bytes.h"
 #include "Commands.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 
 namespace sim::mmc {
 namespace {
@@ -119,8 +119,8 @@ Reply getPerformance(WriterState& state, const Command& command) {
 }  // namespace
 
 void addTrackCommands(HandlerTable& table) {
-    table[opcode::kReadTrackInformation] = readTrackInformation;
-    table[opcode::kGetPerformance] = getPerformance;
+    table[kivscsi::opcode::kReadTrackInformation] = readTrackInformation;
+    table[kivscsi::opcode::kGetPerformance] = getPerformance;
 }
 
 }  // namespace sim::mmc

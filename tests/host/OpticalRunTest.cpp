@@ -8,9 +8,9 @@
 #include "DrivediagRun.h"
 #include "cli/StopRequest.h"
 #include "os/EmulatedDevice.h"
+#include "scsi/Opcodes.h"
 #include "sim/mmc/DiscModel.h"
 #include "sim/mmc/EmulatedWriter.h"
-#include "sim/mmc/Opcodes.h"
 #include "support/ScopedVirtualClock.h"
 
 namespace {
@@ -188,7 +188,7 @@ TEST_F(OpticalRunTest, CtrlCStopsTheRunAndErasesTheDiscWhenAskedTo) {
         const auto target = registerWriter(sim::mmc::discOf(MediaKind::CdRw));
         int writes = 0;
         target->onCommand = [&writes](uint8_t opcode) {
-            if (opcode == sim::mmc::opcode::kWrite10 && ++writes == 3) host::requestStop();
+            if (opcode == kivscsi::opcode::kWrite10 && ++writes == 3) host::requestStop();
         };
         Args extra = {"--device", kWriterName, "--destructive"};
         if (eraseAfter) extra.push_back("--erase-after");
@@ -202,7 +202,7 @@ TEST_F(OpticalRunTest, CtrlCStopsTheRunAndErasesTheDiscWhenAskedTo) {
         EXPECT_EQ(writes, 3);
         bool blanked = false;
         for (const sim::mmc::CommandRecord& command : target->writer->history())
-            blanked = blanked || command.cdb[0] == sim::mmc::opcode::kBlank;
+            blanked = blanked || command.cdb[0] == kivscsi::opcode::kBlank;
         EXPECT_EQ(blanked, eraseAfter);
         EXPECT_EQ(output.lineWith({"PROMPT:", "Erase the disc"}).empty(), !eraseAfter)
             << output.out;

@@ -4,14 +4,13 @@
 
 #include "WriterFixture.h"
 #include "os/Device.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 
 namespace mmctest {
 namespace {
 
 using sim::mmc::SenseFault;
 using sim::mmc::senseOf;
-namespace opcode = sim::mmc::opcode;
 
 enum class Op { Write, Read, UnitReady };
 
@@ -30,16 +29,16 @@ struct FaultRow {
 
 const FaultRow kRows[] = {
     {"CRC error on the second write",
-     {opcode::kWrite10, std::nullopt, 1, 1, senseOf(0x0803)},
+     {kivscsi::opcode::kWrite10, std::nullopt, 1, 1, senseOf(0x0803)},
      {{Op::Write, 0, 1, 0}, {Op::Write, 1, 1, 0x0803}, {Op::Write, 1, 1, 0}}},
     {"long write in progress for good",
-     {opcode::kWrite10, std::nullopt, 0, 0, senseOf(0x0408)},
+     {kivscsi::opcode::kWrite10, std::nullopt, 0, 0, senseOf(0x0408)},
      {{Op::Write, 0, 1, 0x0408},
       {Op::Write, 0, 1, 0x0408},
       {Op::Write, 0, 1, 0x0408},
       {Op::Read, 0, 1, 0}}},
     {"no table of contents, twice",
-     {opcode::kWrite10, std::nullopt, 0, 2, senseOf(0x5700)},
+     {kivscsi::opcode::kWrite10, std::nullopt, 0, 2, senseOf(0x5700)},
      {{Op::Write, 0, 1, 0x5700}, {Op::Write, 0, 1, 0x5700}, {Op::Write, 0, 1, 0}}},
     {"read error at one LBA",
      {std::nullopt, 5u, 0, 0, senseOf(0x1100)},
@@ -85,7 +84,7 @@ TEST_F(WriterTest, PlantedSensesHitTheChosenCommandsOnly) {
 
 TEST_F(WriterTest, AFaultedWriteLeavesTheDiscUntouched) {
     loadWritable(MediaKind::CdR);
-    writer->injectSense({opcode::kWrite10, std::nullopt, 0, 1, senseOf(0x0803)});
+    writer->injectSense({kivscsi::opcode::kWrite10, std::nullopt, 0, 1, senseOf(0x0803)});
     EXPECT_EQ(write(0, 4, 1), 0x0803u);
     EXPECT_EQ(writer->snapshot().nextWritable, 0u);
     EXPECT_EQ(write(0, 4, 1), 0u);

@@ -5,12 +5,12 @@
 
 #include "OpticalDriveFixture.h"
 #include "libDrive/Exceptions.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 
 namespace optest {
 namespace {
 
-namespace op = sim::mmc::opcode;
+namespace op = kivscsi::opcode;
 using kivrlibdrive::MediaType;
 
 sim::mmc::DiscModel withProfile(MediaKind kind, uint16_t profile) {

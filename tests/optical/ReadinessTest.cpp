@@ -5,13 +5,13 @@
 
 #include "OpticalDriveFixture.h"
 #include "libDrive/Exceptions.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 #include "storage/LookupManager.h"
 
 namespace optest {
 namespace {
 
-namespace op = sim::mmc::opcode;
+namespace op = kivscsi::opcode;
 
 class ReadinessTest;
 

@@ -4,12 +4,12 @@
 
 #include "OpticalDriveFixture.h"
 #include "libDrive/Exceptions.h"
-#include "sim/mmc/Opcodes.h"
+#include "scsi/Opcodes.h"
 
 namespace optest {
 namespace {
 
-namespace op = sim::mmc::opcode;
+namespace op = kivscsi::opcode;
 constexpr unsigned int kLba = 16;
 
 class SectorIoTest : public OpticalDriveTest {

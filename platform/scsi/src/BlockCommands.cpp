@@ -1,13 +1,11 @@
 #include "scsi/BlockCommands.h"
 
 #include "Execute.h"
+#include "scsi/Opcodes.h"
 
 namespace kivscsi {
 namespace {
 
-constexpr uint8_t kRead10 = 0x28;
-constexpr uint8_t kWrite10 = 0x2A;
-constexpr uint8_t kRead12 = 0xA8;
 constexpr uint8_t kForceUnitAccessBit = 0x08;
 
 uint32_t milliseconds(uint32_t seconds) {
@@ -21,7 +19,7 @@ Status ReadBlocksTimedEx(const _SCSI_PATH& path, const char* deviceName, void* b
                          uint32_t bufferBytes, uint32_t lba, uint16_t count,
                          uint32_t timeoutSeconds) {
     return execute(path, deviceName,
-                   CdbBuilder(kRead10, 10)
+                   CdbBuilder(opcode::kRead10, 10)
                        .big32(2, lba)
                        .big16(7, count)
                        .dataIn(buffer, bufferBytes)
@@ -32,7 +30,7 @@ Status ReadBlocksTimedEx(const _SCSI_PATH& path, const char* deviceName, void* b
 Status ReadBlocksFUAEx(const _SCSI_PATH& path, const char* deviceName, void* buffer,
                        uint32_t bufferBytes, uint32_t lba, uint16_t count) {
     return execute(path, deviceName,
-                   CdbBuilder(kRead12, 12)
+                   CdbBuilder(opcode::kRead12, 12)
                        .byte(1, kForceUnitAccessBit)
                        .big32(2, lba)
                        .big32(6, count)
@@ -46,7 +44,7 @@ Status WriteBlocksEx(const _SCSI_PATH& path, const char* deviceName, const void*
     const uint64_t dataBytes = uint64_t{blockBytes} * count;
     if (dataBytes > UINT32_MAX) return kStatusInvalidRequest;
     return execute(path, deviceName,
-                   CdbBuilder(kWrite10, 10)
+                   CdbBuilder(opcode::kWrite10, 10)
                        .big32(2, lba)
                        .big16(7, count)
                        .dataOut(buffer, static_cast<uint32_t>(dataBytes))

@@ -1,5 +1,7 @@
 #include "CommandNames.h"
 
+#include "scsi/Opcodes.h"
+
 namespace kivscsi {
 namespace {
 
@@ -11,31 +13,31 @@ struct NamedOpcode {
 // Every command this library sends, plus INQUIRY and REQUEST SENSE, which a trace of another
 // user's commands may show.
 constexpr NamedOpcode kNames[] = {
-    {0x00, "TEST UNIT READY"},
-    {0x03, "REQUEST SENSE"},
-    {0x04, "FORMAT UNIT"},
-    {0x12, "INQUIRY"},
-    {0x1B, "START STOP UNIT"},
-    {0x1E, "PREVENT ALLOW MEDIUM REMOVAL"},
-    {0x25, "READ CAPACITY"},
-    {0x28, "READ(10)"},
-    {0x2A, "WRITE(10)"},
-    {0x35, "SYNCHRONIZE CACHE"},
-    {0x43, "READ TOC/PMA/ATIP"},
-    {0x46, "GET CONFIGURATION"},
-    {0x4A, "GET EVENT STATUS NOTIFICATION"},
-    {0x51, "READ DISC INFORMATION"},
-    {0x52, "READ TRACK INFORMATION"},
-    {0x54, "SEND OPC INFORMATION"},
-    {0x55, "MODE SELECT(10)"},
-    {0x5A, "MODE SENSE(10)"},
-    {0x5B, "CLOSE TRACK/SESSION"},
-    {0xA1, "BLANK"},
-    {0xA8, "READ(12)"},
-    {0xAA, "WRITE(12)"},
-    {0xAC, "GET PERFORMANCE"},
-    {0xAD, "READ DISC STRUCTURE"},
-    {0xBB, "SET CD SPEED"},
+    {opcode::kTestUnitReady, "TEST UNIT READY"},
+    {opcode::kRequestSense, "REQUEST SENSE"},
+    {opcode::kFormatUnit, "FORMAT UNIT"},
+    {opcode::kInquiry, "INQUIRY"},
+    {opcode::kStartStopUnit, "START STOP UNIT"},
+    {opcode::kPreventAllowMediumRemoval, "PREVENT ALLOW MEDIUM REMOVAL"},
+    {opcode::kReadCapacity, "READ CAPACITY"},
+    {opcode::kRead10, "READ(10)"},
+    {opcode::kWrite10, "WRITE(10)"},
+    {opcode::kSynchronizeCache, "SYNCHRONIZE CACHE"},
+    {opcode::kReadTocPmaAtip, "READ TOC/PMA/ATIP"},
+    {opcode::kGetConfiguration, "GET CONFIGURATION"},
+    {opcode::kGetEventStatusNotification, "GET EVENT STATUS NOTIFICATION"},
+    {opcode::kReadDiscInformation, "READ DISC INFORMATION"},
+    {opcode::kReadTrackInformation, "READ TRACK INFORMATION"},
+    {opcode::kSendOpcInformation, "SEND OPC INFORMATION"},
+    {opcode::kModeSelect10, "MODE SELECT(10)"},
+    {opcode::kModeSense10, "MODE SENSE(10)"},
+    {opcode::kCloseTrackSession, "CLOSE TRACK/SESSION"},
+    {opcode::kBlank, "BLANK"},
+    {opcode::kRead12, "READ(12)"},
+    {opcode::kWrite12, "WRITE(12)"},
+    {opcode::kGetPerformance, "GET PERFORMANCE"},
+    {opcode::kReadDiscStructure, "READ DISC STRUCTURE"},
+    {opcode::kSetCdSpeed, "SET CD SPEED"},
 };
 
 }  // namespace

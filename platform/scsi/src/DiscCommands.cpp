@@ -1,17 +1,10 @@
 #include "scsi/DiscCommands.h"
 
 #include "Execute.h"
+#include "scsi/Opcodes.h"
 
 namespace kivscsi {
 namespace {
-
-constexpr uint8_t kReadTocPmaAtip = 0x43;
-constexpr uint8_t kGetConfiguration = 0x46;
-constexpr uint8_t kGetEventStatusNotification = 0x4A;
-constexpr uint8_t kReadDiscInformation = 0x51;
-constexpr uint8_t kReadTrackInformation = 0x52;
-constexpr uint8_t kGetPerformance = 0xAC;
-constexpr uint8_t kReadDiscStructure = 0xAD;
 
 constexpr uint8_t kMediaTypeDvd = 0x00;
 constexpr uint8_t kMediaTypeBd = 0x01;
@@ -22,7 +15,7 @@ Status readDiscStructure(const _SCSI_PATH& path, const char* deviceName, uint8_t
                          uint32_t address, uint8_t layer, uint8_t format, void* buffer,
                          uint16_t allocation, uint8_t agid, uint32_t* received) {
     return execute(path, deviceName,
-                   CdbBuilder(kReadDiscStructure, 12)
+                   CdbBuilder(opcode::kReadDiscStructure, 12)
                        .byte(1, mediaType)
                        .big32(2, address)
                        .byte(6, layer)
@@ -40,7 +33,7 @@ Status GetConfiguration(const _SCSI_PATH& path, const char* deviceName, uint8_t 
                         uint16_t startingFeature, void* buffer, uint16_t allocation,
                         uint32_t* received) {
     return execute(path, deviceName,
-                   CdbBuilder(kGetConfiguration, 10)
+                   CdbBuilder(opcode::kGetConfiguration, 10)
                        .byte(1, requestType & 0x03)
                        .big16(2, startingFeature)
                        .big16(7, allocation)
@@ -53,7 +46,7 @@ Status GetEventStatusNotification(const _SCSI_PATH& path, const char* deviceName
                                   uint8_t classRequest, void* buffer, uint16_t allocation,
                                   uint32_t* received) {
     return execute(path, deviceName,
-                   CdbBuilder(kGetEventStatusNotification, 10)
+                   CdbBuilder(opcode::kGetEventStatusNotification, 10)
                        .byte(1, polled ? 0x01 : 0x00)
                        .byte(4, classRequest)
                        .big16(7, allocation)
@@ -65,7 +58,7 @@ Status GetEventStatusNotification(const _SCSI_PATH& path, const char* deviceName
 Status ReadDiscInformation(const _SCSI_PATH& path, const char* deviceName, void* buffer,
                            uint16_t allocation, uint8_t dataType, uint32_t* received) {
     return execute(path, deviceName,
-                   CdbBuilder(kReadDiscInformation, 10)
+                   CdbBuilder(opcode::kReadDiscInformation, 10)
                        .byte(1, dataType & 0x07)
                        .big16(7, allocation)
                        .dataIn(buffer, allocation)
@@ -77,7 +70,7 @@ Status ReadTrackInformation(const _SCSI_PATH& path, const char* deviceName, uint
                             uint32_t address, void* buffer, uint16_t allocation,
                             uint32_t* received) {
     return execute(path, deviceName,
-                   CdbBuilder(kReadTrackInformation, 10)
+                   CdbBuilder(opcode::kReadTrackInformation, 10)
                        .byte(1, addressType & 0x03)
                        .big32(2, address)
                        .big16(7, allocation)
@@ -90,7 +83,7 @@ Status GetWriteSpeedPerformance(const _SCSI_PATH& path, const char* deviceName,
                                 uint16_t maxDescriptors, void* buffer, uint16_t allocation,
                                 uint32_t* received) {
     return execute(path, deviceName,
-                   CdbBuilder(kGetPerformance, 12)
+                   CdbBuilder(opcode::kGetPerformance, 12)
                        .big16(8, maxDescriptors)
                        .byte(10, kPerformanceTypeWriteSpeed)
                        .dataIn(buffer, allocation)
@@ -115,7 +108,7 @@ Status ReadBdStructure(const _SCSI_PATH& path, const char* deviceName, uint32_t 
 Status KIVR_ReadATIP(const _SCSI_PATH& path, const char* deviceName, uint8_t msf, void* buffer,
                      uint16_t allocation, uint32_t* received) {
     return execute(path, deviceName,
-                   CdbBuilder(kReadTocPmaAtip, 10)
+                   CdbBuilder(opcode::kReadTocPmaAtip, 10)
                        .byte(1, msf ? 0x02 : 0x00)
                        .byte(2, kTocFormatAtip)
                        .big16(7, allocation)

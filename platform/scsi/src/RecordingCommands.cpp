@@ -1,13 +1,10 @@
 #include "scsi/RecordingCommands.h"
 
 #include "Execute.h"
+#include "scsi/Opcodes.h"
 
 namespace kivscsi {
 namespace {
-
-constexpr uint8_t kFormatUnit = 0x04;
-constexpr uint8_t kCloseTrackSession = 0x5B;
-constexpr uint8_t kBlank = 0xA1;
 
 constexpr uint8_t kFormatDataBit = 0x10;
 constexpr uint8_t kFormatCodeMmc = 0x01;
@@ -20,7 +17,7 @@ constexpr uint8_t kCloseTrack = 1;
 
 Status Blank(const _SCSI_PATH& path, const char* deviceName, uint8_t type, uint32_t startAddress) {
     return execute(path, deviceName,
-                   CdbBuilder(kBlank, 12)
+                   CdbBuilder(opcode::kBlank, 12)
                        .byte(1, type & kBlankTypeMask)
                        .big32(2, startAddress)
                        .timeout(kRecordingTimeoutMs)
@@ -30,7 +27,7 @@ Status Blank(const _SCSI_PATH& path, const char* deviceName, uint8_t type, uint3
 Status FormatDvdUnit(const _SCSI_PATH& path, const char* deviceName, const void* formatList,
                      uint16_t length) {
     return execute(path, deviceName,
-                   CdbBuilder(kFormatUnit, 6)
+                   CdbBuilder(opcode::kFormatUnit, 6)
                        .byte(1, kFormatDataBit | kFormatCodeMmc)
                        .dataOut(formatList, length)
                        .timeout(kRecordingTimeoutMs)
@@ -40,7 +37,7 @@ Status FormatDvdUnit(const _SCSI_PATH& path, const char* deviceName, const void*
 Status CloseTrackSession(const _SCSI_PATH& path, const char* deviceName, uint8_t closeFunction,
                          uint16_t trackNumber, bool immediate) {
     return execute(path, deviceName,
-                   CdbBuilder(kCloseTrackSession, 10)
+                   CdbBuilder(opcode::kCloseTrackSession, 10)
                        .byte(1, immediate ? kImmediateBit : 0)
                        .byte(2, closeFunction & kCloseFunctionMask)
                        .big16(4, trackNumber)

@@ -2,15 +2,10 @@
 
 #include "Execute.h"
 #include "scsi/Decoders.h"
+#include "scsi/Opcodes.h"
 
 namespace kivscsi {
 namespace {
-
-constexpr uint8_t kTestUnitReady = 0x00;
-constexpr uint8_t kStartStopUnit = 0x1B;
-constexpr uint8_t kPreventAllowMediumRemoval = 0x1E;
-constexpr uint8_t kReadCapacity10 = 0x25;
-constexpr uint8_t kSynchronizeCache10 = 0x35;
 
 constexpr uint8_t kStartBit = 0x01;
 constexpr uint8_t kLoadEjectBit = 0x02;
@@ -21,18 +16,18 @@ constexpr uint32_t kCapacityAnswerLength = 8;
 Status startStop(const _SCSI_PATH& path, const char* deviceName, uint8_t bits) {
     return execute(
         path, deviceName,
-        CdbBuilder(kStartStopUnit, 6).byte(4, bits).timeout(kMechanicalTimeoutMs).command);
+        CdbBuilder(opcode::kStartStopUnit, 6).byte(4, bits).timeout(kMechanicalTimeoutMs).command);
 }
 
 Status preventAllow(const _SCSI_PATH& path, const char* deviceName, uint8_t bits) {
     return execute(path, deviceName,
-                   CdbBuilder(kPreventAllowMediumRemoval, 6).byte(4, bits).command);
+                   CdbBuilder(opcode::kPreventAllowMediumRemoval, 6).byte(4, bits).command);
 }
 
 }  // namespace
 
 Status TestUnitReady(const _SCSI_PATH& path, const char* deviceName) {
-    return execute(path, deviceName, CdbBuilder(kTestUnitReady, 6).command);
+    return execute(path, deviceName, CdbBuilder(opcode::kTestUnitReady, 6).command);
 }
 
 Status StartUnit(const _SCSI_PATH& path, const char* deviceName) {
@@ -62,9 +57,9 @@ Status AllowMediumRemoval(const _SCSI_PATH& path, const char* deviceName) {
 Status ReadCapacity(const _SCSI_PATH& path, const char* deviceName, Capacity* capacity) {
     uint8_t answer[kCapacityAnswerLength] = {};
     uint32_t received = 0;
-    const Status status =
-        execute(path, deviceName,
-                CdbBuilder(kReadCapacity10, 10).dataIn(answer, sizeof(answer)).command, &received);
+    const Status status = execute(
+        path, deviceName,
+        CdbBuilder(opcode::kReadCapacity, 10).dataIn(answer, sizeof(answer)).command, &received);
     if (status != kStatusGood) return status;
     const std::optional<Capacity> decoded = decodeCapacity(answer, received);
     if (!decoded) return kStatusShortAnswer;
@@ -74,8 +69,9 @@ Status ReadCapacity(const _SCSI_PATH& path, const char* deviceName, Capacity* ca
 
 Status KIVR_SynchronizeCache(const _SCSI_PATH& path, const char* deviceName,
                              uint32_t timeoutSeconds) {
-    return execute(path, deviceName,
-                   CdbBuilder(kSynchronizeCache10, 10).timeout(timeoutSeconds * 1000).command);
+    return execute(
+        path, deviceName,
+        CdbBuilder(opcode::kSynchronizeCache, 10).timeout(timeoutSeconds * 1000).command);
 }
 
 }  // namespace kivscsi

@@ -1,9 +1,9 @@
-// Operation codes of the commands the emulated writer answers.
+// Operation codes of the SCSI and MMC commands this library sends.
 #pragma once
 
 #include <cstdint>
 
-namespace sim::mmc::opcode {
+namespace kivscsi::opcode {
 
 inline constexpr uint8_t kTestUnitReady = 0x00;
 inline constexpr uint8_t kRequestSense = 0x03;
@@ -31,4 +31,4 @@ inline constexpr uint8_t kGetPerformance = 0xAC;
 inline constexpr uint8_t kReadDiscStructure = 0xAD;
 inline constexpr uint8_t kSetCdSpeed = 0xBB;
 
-}  // namespace sim::mmc::opcode
+}  // namespace kivscsi::opcode
